@@ -1,0 +1,122 @@
+#include "platform/quor/Clock.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <vector>
+
+namespace Quor {
+
+namespace {
+
+double steadyNow() {
+  using namespace std::chrono;
+  return duration<double>(steady_clock::now().time_since_epoch()).count();
+}
+
+double (*timeSource)() = steadyNow;
+
+}  // namespace
+
+double now() { return timeSource(); }
+
+void nowSourceIs(double (*source)()) { timeSource = source ? source : steadyNow; }
+
+void Clock::NotifieeConst::timeMinIs(double t) {
+  const Clock* clock = notifier().ptr();
+  if (clock) clock->unschedule(this);
+  timeMin_ = t;
+  if (clock) clock->schedule(this);
+  activityManager()->deadlineChanged();
+}
+
+// Leaves the clock while this is still a clock reactor, so the schedule never holds a dangling entry.
+Clock::NotifieeConst::~NotifieeConst() { notifierIs(nullptr); }
+
+void Clock::schedule(NotifieeConst* n) const {
+  if (n->scheduled_ || std::isinf(n->timeMin_)) return;
+  n->slot_ = schedule_.emplace(n->timeMin_, n);
+  n->scheduled_ = true;
+}
+
+void Clock::unschedule(NotifieeConst* n) const {
+  if (!n->scheduled_) return;
+  schedule_.erase(n->slot_);
+  n->scheduled_ = false;
+}
+
+void Clock::notifieeAttached(Reactor* r) const {
+  schedule(static_cast<NotifieeConst*>(r));
+  activityManager()->deadlineChanged();
+}
+
+void Clock::notifieeDetached(Reactor* r) const { unschedule(static_cast<NotifieeConst*>(r)); }
+
+void Clock::runDue() {
+  double t = now();
+  std::vector<Ptr<NotifieeConst>> due;
+  while (!schedule_.empty() && schedule_.begin()->first <= t) {
+    NotifieeConst* n = schedule_.begin()->second;
+    unschedule(n);
+    n->timeMin_ = never;
+    due.emplace_back(n);
+  }
+  for (const Ptr<NotifieeConst>& n : due) {
+    if (!n->listensTo(this)) continue;
+    try {
+      n->onTime();
+    } catch (const std::exception&) {
+      n->onNotificationException(firstAttributeId);
+    }
+  }
+  activityManager()->deadlineChanged();
+}
+
+ActivityManager::ActivityManager() : clock_(makePtr<Clock>(Name("clock"))) {}
+
+void ActivityManager::fdReadIs(int fd, std::function<void()> onReadable) {
+  bool added = fds_.insert_or_assign(fd, std::move(onReadable)).second;
+  if (added && host_) host_->fdAdded(fd);
+}
+
+void ActivityManager::fdReadDel(int fd) {
+  if (fds_.erase(fd) && host_) host_->fdRemoved(fd);
+}
+
+void ActivityManager::runFd(int fd) {
+  auto it = fds_.find(fd);
+  if (it == fds_.end()) return;
+  std::function<void()> handler = it->second;  // the handler may remove itself
+  handler();
+}
+
+void ActivityManager::hostIs(Host* host) {
+  host_ = host;
+  if (!host_) return;
+  for (const auto& [fd, handler] : fds_) host_->fdAdded(fd);
+  host_->wakeupIs(nextDeadline());
+}
+
+void ActivityManager::deadlineChanged() {
+  if (host_) host_->wakeupIs(nextDeadline());
+}
+
+void ActivityManager::runOnce(double maxWait) {
+  double wait = std::clamp(nextDeadline() - now(), 0.0, maxWait);
+  std::vector<pollfd> polled;
+  for (const auto& [fd, handler] : fds_) polled.push_back({fd, POLLIN, 0});
+  if (::poll(polled.data(), polled.size(), static_cast<int>(std::ceil(wait * 1000))) > 0)
+    for (const pollfd& p : polled)
+      if (p.revents) runFd(p.fd);
+  runDue();
+}
+
+const Ptr<ActivityManager>& activityManager() {
+  // Never destroyed: reactors torn down by static destructors still reach it.
+  static const auto* manager = new Ptr<ActivityManager>(makePtr<ActivityManager>());
+  return *manager;
+}
+
+}  // namespace Quor

@@ -1,0 +1,142 @@
+// The walk guarantees of the ordered and hashed collections: what the request handlers and the
+// route backlog rely on when rows come and go under an iterator.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <vector>
+
+#include "platform/quor/HashMap.h"
+#include "platform/quor/RbTreeMap.h"
+
+namespace {
+
+struct Row : Quor::PtrInterface, Quor::RbTreeLink {
+  explicit Row(int k) : key(k) {}
+  const int& fwkKey() const { return key; }
+  int key;
+};
+
+struct Mark : Quor::PtrInterface, Quor::HashLink {
+  explicit Mark(int k) : key(k) {}
+  const int& fwkKey() const { return key; }
+  int key;
+};
+
+template <class Map, class M>
+void fill(Map& map, std::initializer_list<int> keys) {
+  for (int k : keys) map.memberIs(Quor::makePtr<M>(k));
+}
+
+template <class It>
+std::vector<int> walkFrom(It it) {
+  std::vector<int> seen;
+  for (; it; ++it) seen.push_back(it.key());
+  return seen;
+}
+
+using Tree = Quor::RbTreeMap<Row, int>;
+using Hash = Quor::HashMap<Mark, int>;
+
+TEST(OrderedWalk, RemovingTheCurrentMemberContinuesAtTheMemberAboveIt) {
+  Tree t;
+  fill<Tree, Row>(t, {10, 20, 30});
+  auto it = t.startAt(20);
+  Quor::Ptr<Row> removed = t.deleteMember(20);
+  EXPECT_EQ(it->key, 20) << "the current member stays readable after its removal";
+  EXPECT_EQ(removed->references(), 2u) << "held by the caller and the iterator only";
+  ++it;
+  ASSERT_TRUE(it);
+  EXPECT_EQ(it.key(), 30);
+}
+
+TEST(OrderedWalk, RemovingEveryMemberEndsTheWalkAfterTheCurrentStep) {
+  Tree t;
+  fill<Tree, Row>(t, {1, 2, 3});
+  auto it = t.begin();
+  for (int k : {1, 2, 3}) t.deleteMember(k);
+  EXPECT_EQ(it.key(), 1);
+  ++it;
+  EXPECT_FALSE(it);
+}
+
+TEST(OrderedWalk, InsertionBetweenCurrentAndSuccessorIsVisitedNext) {
+  Tree t;
+  fill<Tree, Row>(t, {10, 30});
+  auto it = t.begin();
+  fill<Tree, Row>(t, {20, 5});
+  EXPECT_EQ(walkFrom(it), (std::vector<int>{10, 20, 30})) << "5 lies behind the walk and is not seen";
+}
+
+TEST(OrderedWalk, StartAtAndFindNextPositionForGetAndGetNext) {
+  Tree t;
+  fill<Tree, Row>(t, {10, 20, 30});
+  EXPECT_EQ(t.startAt(20).key(), 20);
+  EXPECT_EQ(t.startAt(21).key(), 30);
+  EXPECT_EQ(t.findNext(20).key(), 30);
+  EXPECT_FALSE(t.startAt(31));
+  EXPECT_FALSE(t.findNext(30));
+  EXPECT_EQ(t.member(20)->key, 20);
+  EXPECT_EQ(t.member(25), nullptr);
+}
+
+TEST(OrderedWalk, CollectionHoldsOneReferenceAndReleasesIt) {
+  Quor::Ptr<Row> r = Quor::makePtr<Row>(1);
+  {
+    Tree t;
+    t.memberIs(r);
+    EXPECT_EQ(r->references(), 2u);
+    t.deleteMember(1);
+    EXPECT_EQ(r->references(), 1u);
+    t.memberIs(r);
+  }
+  EXPECT_EQ(r->references(), 1u) << "destroying the collection drops its references";
+}
+
+TEST(HashedWalk, OrderIsTheSameWhateverTheNumberOfBuckets) {
+  Hash small, large;
+  fill<Hash, Mark>(small, {1, 2, 3, 4, 5});
+  for (int k = 1; k <= 5000; ++k) large.memberIs(Quor::makePtr<Mark>(k));
+  for (int k = 6; k <= 5000; ++k) large.deleteMember(k);
+  EXPECT_EQ(walkFrom(small.begin()), walkFrom(large.begin()));
+}
+
+TEST(HashedWalk, ResumesAtARememberedKeyAcrossGrowth) {
+  Hash h;
+  for (int k = 0; k < 100; ++k) h.memberIs(Quor::makePtr<Mark>(k));
+  std::vector<int> order = walkFrom(h.begin());
+  int bookmark = order[40];
+  for (int k = 100; k < 3000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
+  for (int k = 100; k < 3000; ++k) h.deleteMember(k);
+  EXPECT_EQ(h.startAtHash(bookmark).key(), bookmark);
+  h.deleteMember(bookmark);
+  EXPECT_EQ(h.startAtHash(bookmark).key(), order[41]) << "an absent bookmark resumes at its place";
+  EXPECT_EQ(h.findNextG(order[41]).key(), order[42]);
+}
+
+TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
+  Hash h;
+  for (int k = 0; k < 1000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
+  std::multiset<int> seen;
+  for (auto it = h.begin(); it; ++it) {
+    seen.insert(it.key());
+    h.deleteMember(it.key());  // the backlog deletes what it processed
+    if (it.key() < 1000 && it.key() % 100 == 0) h.memberIs(Quor::makePtr<Mark>(it.key() + 100000));
+  }
+  for (int k = 0; k < 1000; ++k) EXPECT_EQ(seen.count(k), 1u) << k;
+  EXPECT_EQ(seen.size() + h.members(), 1000u + 10u) << "new members are seen at most once, or stay";
+}
+
+TEST(HashedWalk, LookupFindsMembersAndNotOthers) {
+  Hash h;
+  for (int k = 0; k < 500; k += 2) h.memberIs(Quor::makePtr<Mark>(k));
+  for (int k = 0; k < 500; ++k) EXPECT_EQ(h.member(k) != nullptr, k % 2 == 0) << k;
+  EXPECT_EQ(h.members(), 250u);
+}
+
+TEST(HashedWalk, BitReverseMirrorsTheWord) {
+  EXPECT_EQ(Quor::bitReverse(1u), 0x80000000u);
+  EXPECT_EQ(Quor::bitReverse(0x0000000Fu), 0xF0000000u);
+  EXPECT_EQ(Quor::bitReverse(Quor::bitReverse(0x12345678u)), 0x12345678u);
+}
+
+}  // namespace

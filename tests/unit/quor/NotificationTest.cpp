@@ -1,0 +1,145 @@
+// Synchronous notification with snapshot iteration, exception isolation, replay on attach and the
+// zombie protocol.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/quor/Entity.h"
+
+namespace {
+
+// A notifier with one attribute, written as every entity of the store is.
+class Counter : public Quor::Entity {
+ public:
+  class NotifieeConst : public Quor::Notifiee<Counter> {
+   public:
+    virtual void onValue() {}
+  };
+  using Entity::Entity;
+  int value() const { return value_; }
+  void valueIs(int v) {
+    if (v == value_) return;
+    value_ = v;
+    notify<NotifieeConst>(firstAttributeId, [](NotifieeConst& n) { n.onValue(); });
+  }
+
+ private:
+  int value_ = 0;
+};
+
+struct Log {
+  std::vector<std::string> lines;
+};
+
+class Watcher : public Counter::NotifieeConst {
+ public:
+  Watcher(Log& log, std::string name) : log_(log), name_(std::move(name)) {}
+  void onValue() override {
+    log_.lines.push_back(name_ + ":" + std::to_string(notifier()->value()));
+    if (action) action();
+  }
+  void onNotifierIs() override { log_.lines.push_back(name_ + ":replay"); }
+  void onNotificationException(Quor::AttributeId attr) override {
+    log_.lines.push_back(name_ + ":raised@" + std::to_string(attr));
+  }
+  void handleDel() override { log_.lines.push_back(name_ + ":del"); }
+  std::function<void()> action;
+
+ private:
+  Log& log_;
+  std::string name_;
+};
+
+Quor::Ptr<Counter> counter() { return Quor::makePtr<Counter>(Quor::Name("c")); }
+
+TEST(Notification, ARaisingReactorIsToldAndTheNextOneStillRuns) {
+  Log log;
+  auto c = counter();
+  auto a = Quor::makePtr<Watcher>(log, "a");
+  auto b = Quor::makePtr<Watcher>(log, "b");
+  a->notifierIs(c);
+  b->notifierIs(c);
+  a->action = [] { throw std::runtime_error("boom"); };
+  log.lines.clear();
+  c->valueIs(1);
+  EXPECT_EQ(log.lines, (std::vector<std::string>{"a:1", "a:raised@258", "b:1"}));
+}
+
+TEST(Notification, AReactorDroppedByAnEarlierOneIsNotCalled) {
+  Log log;
+  auto c = counter();
+  auto a = Quor::makePtr<Watcher>(log, "a");
+  auto b = Quor::makePtr<Watcher>(log, "b");
+  a->notifierIs(c);
+  b->notifierIs(c);
+  a->action = [&b] { b = nullptr; };
+  log.lines.clear();
+  c->valueIs(1);
+  EXPECT_EQ(log.lines, (std::vector<std::string>{"a:1"}));
+}
+
+TEST(Notification, AttachingReplaysOnceAndTheSameNotifierAgainDoesNothing) {
+  Log log;
+  auto c = counter();
+  auto a = Quor::makePtr<Watcher>(log, "a");
+  a->notifierIs(c);
+  a->notifierIs(c);
+  EXPECT_EQ(log.lines, (std::vector<std::string>{"a:replay"}));
+}
+
+TEST(Notification, ANullNotifierLeavesTheReactorAliveAndSilent) {
+  Log log;
+  auto c = counter();
+  auto a = Quor::makePtr<Watcher>(log, "a");
+  a->notifierIs(c);
+  a->notifierIs(nullptr);
+  log.lines.clear();
+  c->valueIs(5);
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_FALSE(c->hasNotifiees());
+}
+
+TEST(ZombieReactors, HandleDelRunsOnceAndTheZombieIgnoresNotifications) {
+  Log log;
+  auto c = counter();
+  auto a = Quor::makePtr<Watcher>(log, "a");
+  a->notifierIs(c);
+  log.lines.clear();
+  a->quorDoZombieReactors(true);
+  a->quorDoZombieReactors(true);
+  c->valueIs(2);
+  EXPECT_EQ(log.lines, (std::vector<std::string>{"a:del"}));
+  EXPECT_TRUE(a->quorMarkedForDeletion());
+}
+
+TEST(ZombieReactors, FlagPassesToNestedReactorsAfterTheOwnersHandleDel) {
+  Log log;
+  struct Owner : Watcher {
+    using Watcher::Watcher;
+    Quor::Ptr<Watcher> nested;
+    void quorZombieNested(bool flag) override { nested->quorDoZombieReactors(flag); }
+  };
+  auto owner = Quor::makePtr<Owner>(log, "owner");
+  owner->nested = Quor::makePtr<Watcher>(log, "nested");
+  owner->quorDoZombieReactors(true);
+  EXPECT_EQ(log.lines, (std::vector<std::string>{"owner:del", "nested:del"}));
+  EXPECT_TRUE(owner->nested->quorMarkedForDeletion());
+}
+
+TEST(Entities, PathsResolveThroughDirectoriesAndAttributes) {
+  auto root = Quor::makePtr<Quor::Dir>(Quor::Name("root"));
+  auto store = Quor::makePtr<Quor::Dir>(Quor::Name("Morvane"));
+  auto routing = Quor::makePtr<Quor::Dir>(Quor::Name("routing"));
+  auto config = counter();
+  root->entityPtrIs(store);
+  store->entityPtrIs(routing);
+  routing->entityPtrIs(config);
+  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing/c"), config);
+  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing/missing"), nullptr);
+  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing.vrf/c"), nullptr) << "a Dir has no attribute vrf";
+  EXPECT_EQ(config->fullName(), "/root/Morvane/routing/c");
+}
+
+}  // namespace
