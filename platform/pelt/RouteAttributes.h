@@ -1,0 +1,74 @@
+#pragma once
+// What a route carries besides its prefix and FEC: metric, administrative preference and origin.
+#include <iosfwd>
+
+#include "platform/quor/String.h"
+
+namespace Routing {
+
+class RouteMetric {
+ public:
+  constexpr RouteMetric() noexcept = default;
+  constexpr explicit RouteMetric(U32 value) noexcept : value_(value) {}
+  constexpr U32 value() const noexcept { return value_; }
+  friend constexpr bool operator==(RouteMetric, RouteMetric) = default;
+
+ private:
+  U32 value_ = 0;
+};
+
+class RoutePreference {
+ public:
+  constexpr RoutePreference() noexcept = default;
+  constexpr explicit RoutePreference(U8 value) noexcept : value_(value) {}
+  constexpr U8 value() const noexcept { return value_; }
+  friend constexpr bool operator==(RoutePreference, RoutePreference) = default;
+
+ private:
+  U8 value_ = 0;
+};
+
+// Decimal digits.
+Quor::String8 valueToStrep(RouteMetric metric);
+Quor::String8 valueToStrep(RoutePreference preference);
+std::ostream& operator<<(std::ostream& out, RouteMetric metric);
+std::ostream& operator<<(std::ostream& out, RoutePreference preference);
+
+namespace Fib {
+
+// The origin of a route. The route intake maps these by number to the MIB's protocols; 0 to 3
+// are the forwarding-only kinds that never reach the route table of the MIB.
+enum RouteType : S32 {
+  routeTypeInvalid = 0,
+  routeTypeReceive = 1,
+  routeTypeReceiveBcast = 2,
+  routeTypeDropped = 3,
+  routeTypeStaticConfig = 4,
+  routeTypeKernel = 5,
+  routeTypeAggregate = 6,
+  routeTypeRip = 7,
+  routeTypeConnected = 8,
+  routeTypeIsisLevel1 = 9,
+  routeTypeIsisLevel2 = 10,
+  routeTypeVrfLeak = 11,
+  routeTypeOspfIntraArea = 12,
+  routeTypeOspfInterArea = 13,
+  routeTypeOspfExternalType1 = 14,
+  routeTypeOspfExternalType2 = 15,
+  routeTypeOspfNssaType1 = 16,
+  routeTypeOspfNssaType2 = 17,
+  routeTypeIbgp = 18,
+  routeTypeEbgp = 19,
+};
+
+// The enumerator's name; "RouteType(<n>)" for a number without one.
+Quor::String8 stringValue(RouteType type);
+// Raise Quor::RangeException "RouteType" for a number or name that is not an enumerator.
+RouteType RouteTypeInstance(unsigned int number);
+RouteType RouteTypeInstance(const Quor::String8& name);
+// The name in single quotes.
+Quor::String8 valueToStrep(RouteType type);
+std::ostream& operator<<(std::ostream& out, RouteType type);
+
+}  // namespace Fib
+}  // namespace Routing
