@@ -1,0 +1,122 @@
+// IpBase registers the forwarding scalars and the address tables of the IP group in a context, and
+// takes them away from a VRF's context again. The scalars read the routing configuration of the
+// store at every GET, through the entity that their registration carries; the default context's
+// entities live for the whole process, a VRF's until after its context has been unregistered.
+#include "frontend/IpBase.h"
+
+#include <cstring>
+#include <string>
+
+#include "frontend/Conversions.h"
+#include "frontend/ScalarHandler.h"
+#include "platform/morvane/RoutingConfig.h"
+#include "platform/quor/Flitlog.h"
+#include "platform/snmp/HandlerRegistration.h"
+#include "platform/snmp/Owners.h"
+#include "platform/snmp/SnmpUtil.h"
+
+namespace {
+
+const Quor::Tracer tracer{"Snmp", "IpBase"};
+
+// Below net-snmp's default of 127: a lower number takes precedence, so these answer instead of the
+// agent's own IP group.
+constexpr int scalarPriority = 64;
+
+oid ipForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 1};
+oid ipv6IpForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 25};
+
+const ScalarText ipForwardingText{"handle_ipForwarding",    "ipForwarding", "Morvane/routing/config",
+                                  "Routing::Config",        "routing",      "IpRoutingToAsnInteger"};
+const ScalarText ipv6IpForwardingText{"handle_ipv6IpForwarding", "ipv6IpForwarding", "Morvane/routing6/config",
+                                      "Routing6::Config",        "routing",          "IpRoutingToAsnInteger"};
+
+ContextRegistrations registrations{"IpBase", tracer};
+
+class IpBase_HandlerRegistration : public Snmp::HandlerRegistration {
+ public:
+  void registerInContext(Quor::String8 context) override { init_IpBase(context); }
+};
+
+IpBase_HandlerRegistration handlerRegistration;
+Snmp::AutoRegistree autoRegistree{&handlerRegistration};
+
+template <std::size_t N>
+std::string oidText(const oid (&name)[N]) {
+  char text[200];
+  snprint_objid(text, sizeof text, name, N);
+  return text;
+}
+
+template <class Config>
+void* entityAt(const char* path) {
+  Quor::Ptr<Quor::Entity> entity = SnmpUtil::getEntityRelative(path);
+  return dynamic_cast<Config*>(entity.ptr());
+}
+
+template <class Config>
+int readRouting(const void* config, unsigned char* buffer, int size) {
+  return IpRoutingToAsnInteger(static_cast<const Config*>(config)->routing(), buffer, size);
+}
+
+template <std::size_t N>
+Snmp::HandlerRegistrationPtr newScalarRegistration(const char* namePrefix, Netsnmp_Node_Handler* handler,
+                                                   oid (&name)[N], const Quor::String8& context) {
+  const std::string registrationName = namePrefix + context.str();
+  Snmp::HandlerRegistrationPtr reg(
+      netsnmp_create_handler_registration(registrationName.c_str(), handler, name, N, HANDLER_CAN_RWRITE));
+  reg->priority = scalarPriority;
+  if (!context.empty()) reg->contextName = strdup(context.str().c_str());
+  return reg;
+}
+
+}  // namespace
+
+void init_IpBase(Quor::String8 context) {
+  const std::string contextText = context.str();
+  DEBUGMSGTL(("IpBase", "Initializing in context \"%s\"\n", contextText.c_str()));
+  QTRACE(tracer, 1, "init_IpBase initializing oid " << oidText(ipForwarding_oid) << " in context \"" << context
+                                                    << "\"");
+  QTRACE(tracer, 1, "init_IpBase initializing oid " << oidText(ipv6IpForwarding_oid) << " in context \""
+                                                    << context << "\"");
+
+  Snmp::HandlerRegistrationPtr forwarding =
+      newScalarRegistration("ipForwarding_", handle_ipForwarding, ipForwarding_oid, context);
+  const Quor::String8 forwardingPath =
+      context.empty() ? Quor::String8(ipForwardingText.path)
+                      : Quor::format("Morvane/routing/vrf/config.vrfConfig/%s", contextText.c_str());
+  forwarding->my_reg_void = entityAt<Routing::Config>(forwardingPath.str().c_str());
+  registrations.scalarIs(context, forwarding.release());
+
+  Snmp::HandlerRegistrationPtr forwarding6 =
+      newScalarRegistration("ipv6IpForwarding_", handle_ipv6IpForwarding, ipv6IpForwarding_oid, context);
+  if (!context.empty()) {
+    QTRACE(tracer, 2, "init_IpBase in context \"" << context
+                                                  << "\": morvanePathWithContext not specified for "
+                                                     "ipv6IpForwarding; skipping registration");
+  } else {
+    forwarding6->my_reg_void = entityAt<Routing6::Config>(ipv6IpForwardingText.path);
+    registrations.scalarIs(context, forwarding6.release());
+  }
+
+  // The tables of the unit register here, in this order: ipAddrTable, ipNetToMediaTable,
+  // ipAddressPrefixTable, ipAddressTable (each through its initialize_table_<table>(context)).
+}
+
+void unregister_IpBase(Quor::String8 context) { registrations.unregisterContext(context); }
+
+int handle_ipForwarding(netsnmp_mib_handler*, netsnmp_handler_registration* reginfo,
+                        netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
+  FLITLOG_BLOCK("IpBase", "int handle_ipForwarding(netsnmp_mib_handler*, netsnmp_handler_registration*, "
+                          "netsnmp_agent_request_info*, netsnmp_request_info*)");
+  return handleScalar(tracer, ipForwardingText, readRouting<Routing::Config>, reginfo, reqinfo, requests);
+}
+
+int handle_ipv6IpForwarding(netsnmp_mib_handler*, netsnmp_handler_registration* reginfo,
+                            netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
+  FLITLOG_BLOCK("IpBase", "int handle_ipv6IpForwarding(netsnmp_mib_handler*, netsnmp_handler_registration*, "
+                          "netsnmp_agent_request_info*, netsnmp_request_info*)");
+  return handleScalar(tracer, ipv6IpForwardingText, readRouting<Routing6::Config>, reginfo, reqinfo, requests);
+}
+
+const ContextRegistrations& ipBaseRegistrations() { return registrations; }

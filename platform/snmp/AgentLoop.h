@@ -1,0 +1,49 @@
+#pragma once
+// Runs the framework's activity manager inside snmpd's own select loop, on the agent's one thread.
+//
+// snmpd's loop selects on its sockets and on the descriptors of register_readfd, with a timeout that
+// ends at its earliest alarm, dispatches what is ready, and then calls run_alarms(). A future deadline
+// of the framework becomes one agent alarm (microsecond resolution). A deadline that is already due,
+// the "next opportunity" of a reactor that cuts long work into slices, never becomes an alarm:
+// run_alarms() keeps firing alarms as long as one is due, so a reactor that asks for 0.0 from inside
+// its own firing would run again and again in one pass and starve the SNMP requests. It writes to an
+// eventfd instead; the next select returns at once with that descriptor and every request that has
+// arrived meanwhile, and the loop serves both before the next slice. Descriptors of the framework are
+// watched through register_readfd.
+#include "platform/quor/Clock.h"
+#include "platform/snmp/Owners.h"
+
+#include <map>
+
+namespace Snmp {
+
+class AgentLoop final : public Quor::ActivityManager::Host {
+ public:
+  // Becomes the host of `manager` and takes over its descriptors and deadline.
+  explicit AgentLoop(const Quor::Ptr<Quor::ActivityManager>& manager);
+  // Gives the manager back without a host and unregisters everything from the agent.
+  ~AgentLoop() override;
+  AgentLoop(const AgentLoop&) = delete;
+  AgentLoop& operator=(const AgentLoop&) = delete;
+
+  void wakeupIs(double deadline) override;
+  void fdAdded(int fd) override;
+  void fdRemoved(int fd) override;
+
+ private:
+  static void onAlarm(unsigned int clientreg, void* self);
+  static void onWakeFd(int fd, void* self);
+  static void onFd(int fd, void* self);
+  void runDue() noexcept;
+  void wakeSoon();
+
+  Quor::Ptr<Quor::ActivityManager> manager_;
+  UniqueFd wakeFd_;
+  ReadFd wakeWatch_;
+  bool wakePending_ = false;
+  Alarm alarm_;
+  double alarmDeadline_ = Quor::never;
+  std::map<int, ReadFd> watched_;
+};
+
+}  // namespace Snmp

@@ -1,0 +1,227 @@
+// The framework's timers and descriptors run inside snmpd's select loop: a slice of work asked for
+// "at the next opportunity" runs once per pass of the loop, requests are served in between, and
+// deadlines are kept to the microsecond, neither early nor a tick late.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <memory>
+
+#include "platform/quor/Clock.h"
+#include "platform/snmp/AgentLoop.h"
+#include "platform/snmp/NetSnmp.h"
+
+#include <net-snmp/library/large_fd_set.h>
+
+namespace {
+
+// One pass of snmpd's receive() loop (agent/snmpd.c, net-snmp 5.9): select on the agent's
+// descriptors until its next alarm, dispatch the ready external descriptors, then run_alarms().
+// `maxWait` stands in for the sockets that would end an idle select.
+void agentLoopPass(double maxWait) {
+  netsnmp_large_fd_set readfds, writefds, exceptfds;
+  netsnmp_large_fd_set_init(&readfds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&writefds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&exceptfds, FD_SETSIZE);
+  const auto whole = static_cast<long>(maxWait);
+  struct timeval longest = {whole, static_cast<long>((maxWait - whole) * 1e6)};
+  struct timeval timeout = longest;
+  int numfds = 0;
+  int block = 0;
+  snmp_select_info2(&numfds, &readfds, &timeout, &block);
+  if (block || timercmp(&longest, &timeout, <)) timeout = longest;
+  netsnmp_external_event_info2(&numfds, &readfds, &writefds, &exceptfds);
+  int count = netsnmp_large_fd_set_select(numfds, &readfds, &writefds, &exceptfds, &timeout);
+  if (count > 0) netsnmp_dispatch_external_events2(&count, &readfds, &writefds, &exceptfds);
+  run_alarms();
+  netsnmp_large_fd_set_cleanup(&readfds);
+  netsnmp_large_fd_set_cleanup(&writefds);
+  netsnmp_large_fd_set_cleanup(&exceptfds);
+}
+
+double secondsOf(std::chrono::steady_clock::duration d) { return std::chrono::duration<double>(d).count(); }
+
+// A reactor that cuts its work into slices: each onTime asks for the next opportunity again, up to a
+// limit, so that a loop that would run it without end stops and the test can say so.
+class Slicer : public Quor::Clock::NotifieeConst {
+ public:
+  void onTime() override {
+    ++fired;
+    firedAt = Quor::now();
+    if (fired < limit) timeMinIs(rearmAt);
+  }
+  int fired = 0;
+  int limit = 1;
+  double rearmAt = 0.0;
+  double firedAt = 0.0;
+};
+
+// Stands for an SNMP request arriving on the agent's socket.
+class Request {
+ public:
+  Request() {
+    EXPECT_EQ(::pipe(fds_), 0);
+    register_readfd(fds_[0], &Request::onReadable, this);
+  }
+  ~Request() {
+    unregister_readfd(fds_[0]);
+    ::close(fds_[0]);
+    ::close(fds_[1]);
+  }
+  void arrive() { EXPECT_EQ(::write(fds_[1], "x", 1), 1); }
+  int served = 0;
+
+ private:
+  static void onReadable(int fd, void* self) {
+    char byte;
+    EXPECT_EQ(::read(fd, &byte, 1), 1);
+    ++static_cast<Request*>(self)->served;
+  }
+  int fds_[2];
+};
+
+class Pipe {
+ public:
+  Pipe() { EXPECT_EQ(::pipe(fds_), 0); }
+  ~Pipe() {
+    ::close(fds_[0]);
+    ::close(fds_[1]);
+  }
+  int readEnd() const { return fds_[0]; }
+  void put() { EXPECT_EQ(::write(fds_[1], "x", 1), 1); }
+  void take() {
+    char byte;
+    EXPECT_EQ(::read(fds_[0], &byte, 1), 1);
+  }
+
+ private:
+  int fds_[2];
+};
+
+class AgentLoopTest : public ::testing::Test {
+ protected:
+  Quor::Ptr<Slicer> newSlicer() {
+    auto slicer = Quor::makePtr<Slicer>();
+    slicer->notifierIs(Quor::activityManager()->clock());
+    return slicer;
+  }
+  std::unique_ptr<Snmp::AgentLoop> loop = std::make_unique<Snmp::AgentLoop>(Quor::activityManager());
+};
+
+TEST_F(AgentLoopTest, SlicesAskingForTheNextOpportunityRunOncePerPass) {
+  auto slicer = newSlicer();
+  slicer->limit = 1000;
+  slicer->timeMinIs(0.0);
+  for (int pass = 1; pass <= 5; ++pass) {
+    agentLoopPass(1.0);
+    EXPECT_EQ(slicer->fired, pass);
+  }
+}
+
+TEST_F(AgentLoopTest, RequestsAreServedBetweenSlices) {
+  auto slicer = newSlicer();
+  slicer->limit = 1000;
+  slicer->timeMinIs(0.0);
+  Request request;
+  for (int pass = 1; pass <= 3; ++pass) {
+    request.arrive();
+    agentLoopPass(1.0);
+    EXPECT_EQ(request.served, pass);
+    EXPECT_EQ(slicer->fired, pass);
+  }
+}
+
+TEST_F(AgentLoopTest, NextOpportunityDoesNotWaitForATimerTick) {
+  auto slicer = newSlicer();
+  slicer->timeMinIs(0.0);
+  const auto start = std::chrono::steady_clock::now();
+  agentLoopPass(5.0);
+  EXPECT_EQ(slicer->fired, 1);
+  EXPECT_LT(secondsOf(std::chrono::steady_clock::now() - start), 0.5);
+}
+
+TEST_F(AgentLoopTest, FutureDeadlineFiresOnTimeAndNotBefore) {
+  auto slicer = newSlicer();
+  const double deadline = Quor::now() + 0.03;
+  slicer->timeMinIs(deadline);
+  for (int pass = 0; pass < 20 && slicer->fired == 0; ++pass) agentLoopPass(5.0);
+  ASSERT_EQ(slicer->fired, 1);
+  EXPECT_GE(slicer->firedAt, deadline);
+  EXPECT_LT(slicer->firedAt, deadline + 0.25);
+}
+
+TEST_F(AgentLoopTest, AnEarlierDeadlineReplacesTheArmedOne) {
+  auto slicer = newSlicer();
+  slicer->timeMinIs(Quor::now() + 60.0);
+  const double deadline = Quor::now() + 0.02;
+  slicer->timeMinIs(deadline);
+  for (int pass = 0; pass < 20 && slicer->fired == 0; ++pass) agentLoopPass(5.0);
+  EXPECT_EQ(slicer->fired, 1);
+  EXPECT_LT(slicer->firedAt, deadline + 0.25);
+}
+
+TEST_F(AgentLoopTest, AWithdrawnDeadlineDoesNotFire) {
+  auto slicer = newSlicer();
+  slicer->timeMinIs(Quor::now() + 0.01);
+  slicer->timeMinIs(Quor::never);
+  struct timeval delay;
+  EXPECT_EQ(get_next_alarm_delay_time(&delay), 0) << "an alarm is still armed";
+  agentLoopPass(0.05);
+  EXPECT_EQ(slicer->fired, 0);
+}
+
+TEST_F(AgentLoopTest, FrameworkDescriptorsAreWatchedUntilRemoved) {
+  Pipe pipe;
+  int handled = 0;
+  Quor::activityManager()->fdReadIs(pipe.readEnd(), [&] {
+    pipe.take();
+    ++handled;
+  });
+  pipe.put();
+  agentLoopPass(1.0);
+  EXPECT_EQ(handled, 1);
+
+  Quor::activityManager()->fdReadDel(pipe.readEnd());
+  pipe.put();
+  agentLoopPass(0.05);
+  EXPECT_EQ(handled, 1);
+}
+
+TEST_F(AgentLoopTest, DescriptorsAddedBeforeTheBridgeAreTakenOver) {
+  loop.reset();
+  Pipe pipe;
+  int handled = 0;
+  Quor::activityManager()->fdReadIs(pipe.readEnd(), [&] {
+    pipe.take();
+    ++handled;
+  });
+  loop = std::make_unique<Snmp::AgentLoop>(Quor::activityManager());
+  pipe.put();
+  agentLoopPass(1.0);
+  EXPECT_EQ(handled, 1);
+  Quor::activityManager()->fdReadDel(pipe.readEnd());
+}
+
+TEST_F(AgentLoopTest, GoneBridgeLeavesNothingWithTheAgent) {
+  Pipe pipe;
+  Quor::activityManager()->fdReadIs(pipe.readEnd(), [] {});
+  auto slicer = newSlicer();
+  slicer->timeMinIs(Quor::now() + 60.0);
+  loop.reset();
+
+  struct timeval delay;
+  EXPECT_EQ(get_next_alarm_delay_time(&delay), 0) << "an alarm outlived the bridge";
+  netsnmp_large_fd_set readfds, writefds, exceptfds;
+  netsnmp_large_fd_set_init(&readfds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&writefds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&exceptfds, FD_SETSIZE);
+  int numfds = 0;
+  netsnmp_external_event_info2(&numfds, &readfds, &writefds, &exceptfds);
+  EXPECT_EQ(numfds, 0) << "a descriptor is still watched";
+  netsnmp_large_fd_set_cleanup(&readfds);
+  netsnmp_large_fd_set_cleanup(&writefds);
+  netsnmp_large_fd_set_cleanup(&exceptfds);
+  Quor::activityManager()->fdReadDel(pipe.readEnd());
+}
+
+}  // namespace
