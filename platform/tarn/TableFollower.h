@@ -1,0 +1,77 @@
+#pragma once
+// A reader's attachment to one table file over time: it maps the file when it is there, follows its
+// changes through a ChangeFeed, and hands changed keys to its client from the event loop.
+//
+// Delivery is bounded per turn of the loop: a wake-up delivers for at most `deliveryQuantum`
+// seconds, then asks the clock for another turn, so that a writer loading a million records does not
+// hold up requests. Whether the file is there at the first attach decides how the client learns of
+// its content: present then, it is taken as known (the client makes its own first pass); appearing
+// later, or replacing another file, every key in it is delivered.
+//
+// After a corruption the client detaches; the follower then attaches again only to a different file
+// at the path, which is what a writer that rebuilds the table makes.
+#include <sys/types.h>
+
+#include <memory>
+#include <string>
+
+#include "platform/quor/Clock.h"
+#include "platform/tarn/ChangeFeed.h"
+#include "platform/tarn/FileWatch.h"
+
+namespace Tarn {
+
+class TableFollower : public Quor::Clock::NotifieeConst {
+ public:
+  class Client {
+   public:
+    virtual ~Client() = default;
+    // The bytes of a key that may have changed.
+    virtual void keyChanged(const std::byte* key) = 0;
+    // The file was mapped (true) or let go (false) other than by the client's own call.
+    virtual void attachedIs(bool attached) = 0;
+    // A read of the file met corruption; the client is expected to detach.
+    virtual void corruptionDetected(const std::string& message) = 0;
+  };
+
+  static inline double deliveryQuantum = 0.003;
+
+  TableFollower(std::string path, std::string type, U32 keySize, U32 recordSize);
+  ~TableFollower() override;
+
+  // Starts following the path for `client`; true when the file is mapped now. Corruption of the file
+  // raises CorruptionDetectedException.
+  bool attach(Client* client);
+  // Lets the file and the client go. With `awaitReplacement`, keeps watching the path and attaches
+  // again, for the same client, only to another file than the one let go.
+  void detach(bool awaitReplacement);
+
+  // The mapped file, null while there is none.
+  const TableReader* reader() const noexcept { return reader_.get(); }
+  const ChangeFeed& feed() const noexcept { return feed_; }
+  const std::string& path() const noexcept { return path_; }
+
+  // Delivers for one quantum and asks for another turn when more is left.
+  void pump();
+  void onTime() override { pump(); }
+
+ private:
+  void fileChanged();
+  bool open(bool silently);
+  void retire();
+
+  std::string path_;
+  std::string type_;
+  U32 keySize_;
+  U32 recordSize_;
+  Client* client_ = nullptr;
+  std::unique_ptr<TableReader> reader_;
+  std::unique_ptr<TableReader> retired_;  // let go during a pump, freed after it
+  ChangeFeed feed_;
+  std::unique_ptr<FileWatch> watch_;
+  bool pumping_ = false;
+  bool opened_ = false;      // whether a file has ever been mapped for this client
+  ino_t refusedInode_ = 0;   // a corrupt file, not to be mapped again
+};
+
+}  // namespace Tarn

@@ -1,0 +1,241 @@
+// A writer in another process and a reader in the event loop: records are read whole while they
+// change, the reader ends up knowing every change, and a writer killed mid-batch harms nothing.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <random>
+#include <thread>
+#include <unordered_map>
+
+#include "platform/quor/Clock.h"
+#include "platform/tarn/TableFollower.h"
+#include "platform/tarn/TableWriter.h"
+#include "tests/unit/tarn/TableFixture.h"
+
+namespace {
+
+using TarnTest::CheckedRecord;
+
+// Keeps a copy of the table from the keys it is told about, reading each one as a reactor would.
+class Mirror : public Tarn::TableFollower::Client {
+ public:
+  void keyChanged(const std::byte* key) override {
+    U64 k;
+    std::memcpy(&k, key, sizeof k);
+    CheckedRecord out;
+    if (follower->reader()->lookup(&k, &out)) {
+      if (!out.whole()) ++torn;
+      model[k] = out.version;
+    } else {
+      model.erase(k);
+    }
+    ++told;
+  }
+  void attachedIs(bool attached) override { attachments += attached; }
+  void corruptionDetected(const std::string& message) override {
+    corruption = message;
+    follower->detach(true);
+  }
+
+  Quor::Ptr<Tarn::TableFollower> follower;
+  std::unordered_map<U64, U64> model;
+  U64 told = 0, torn = 0;
+  int attachments = 0;
+  std::string corruption;
+};
+
+// The first few keys on which the reader's copy and the table disagree, as "key: copy/table".
+std::string disagreements(const std::unordered_map<U64, U64>& copy, const std::unordered_map<U64, U64>& table) {
+  std::string out;
+  int shown = 0;
+  auto text = [](const std::unordered_map<U64, U64>& m, U64 k) {
+    auto it = m.find(k);
+    return it == m.end() ? std::string("-") : std::to_string(it->second);
+  };
+  for (const auto* side : {&copy, &table})
+    for (const auto& [k, v] : *side)
+      if (text(copy, k) != text(table, k) && shown++ < 5 && (side == &copy || !copy.count(k)))
+        out += std::to_string(k) + ": " + text(copy, k) + "/" + text(table, k) + " ";
+  return out;
+}
+
+class CrossProcess : public TarnTest::TableDir {
+ protected:
+  void SetUp() override {
+    TableDir::SetUp();
+    mirror_.follower = Quor::makePtr<Tarn::TableFollower>(path(), TarnTest::checkedType, sizeof(U64),
+                                                           sizeof(CheckedRecord));
+  }
+  void TearDown() override {
+    mirror_.follower->detach(false);
+    TableDir::TearDown();
+  }
+  Tarn::TableGeometry geometry() const { return TarnTest::checkedGeometry(120000); }
+
+  // Runs `write` in a child process that exits when it returns.
+  pid_t spawnWriter(const std::function<void(Tarn::TableWriter&)>& write) {
+    pid_t pid = ::fork();
+    if (pid == 0) {
+      try {
+        Tarn::TableWriter w(path(), TarnTest::checkedType, geometry(), 5);
+        write(w);
+      } catch (...) {
+        ::_exit(2);
+      }
+      ::_exit(0);
+    }
+    return pid;
+  }
+
+  // What the table holds, by a walk, checking each record.
+  std::unordered_map<U64, U64> walk(const Tarn::TableReader& reader) {
+    std::unordered_map<U64, U64> content;
+    CheckedRecord out;
+    for (U32 slot = reader.nextOccupied(0, &out); slot < reader.capacity(); slot = reader.nextOccupied(slot + 1, &out)) {
+      EXPECT_TRUE(out.whole()) << out.key;
+      content[out.key] = out.version;
+    }
+    return content;
+  }
+
+  // Turns the event loop until the reader has caught up with a writer that has finished.
+  void settle() {
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!mirror_.follower->reader() || !mirror_.follower->feed().caughtUp(*mirror_.follower->reader())) {
+      ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the reader never caught up";
+      Quor::activityManager()->runOnce(0.05);
+    }
+  }
+
+  Mirror mirror_;
+};
+
+TEST_F(CrossProcess, EveryChangeOfAWriterInAnotherProcessReachesTheReaderWhole) {
+  { Tarn::TableWriter(path(), TarnTest::checkedType, geometry()); }  // an empty table to start from
+  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
+  pid_t child = spawnWriter([](Tarn::TableWriter& w) {
+    std::mt19937_64 random(7);
+    U64 changes = 0;
+    for (U64 k = 0; k < 100000; ++k, ++changes) {
+      CheckedRecord r = CheckedRecord::make(k, 1);
+      w.put(&r);
+      if (k % 1000 == 999) w.commit();
+    }
+    for (U64 round = 2; round < 6; ++round) {
+      for (U64 i = 0; i < 25000; ++i, ++changes) {
+        U64 k = random() % 110000;
+        if (random() % 5 == 0) {
+          w.erase(&k);
+        } else {
+          CheckedRecord r = CheckedRecord::make(k, round);
+          w.put(&r);
+        }
+        if (i % 500 == 499) w.commit();
+      }
+    }
+    w.commit();
+  });
+  // Meanwhile the agent serves: lookups and walks, every record whole.
+  std::mt19937_64 random(11);
+  int status = 0;
+  U64 reads = 0;
+  while (::waitpid(child, &status, WNOHANG) == 0) {
+    Quor::activityManager()->runOnce(0.001);
+    const Tarn::TableReader* reader = mirror_.follower->reader();
+    CheckedRecord out;
+    for (int i = 0; i < 200; ++i, ++reads) {
+      U64 k = random() % 110000;
+      if (reader->lookup(&k, &out)) {
+        ASSERT_TRUE(out.whole() && out.key == k);
+      }
+    }
+    U32 slot = reader->nextOccupied(static_cast<U32>(random() % reader->capacity()), &out);
+    for (int i = 0; i < 200 && slot < reader->capacity(); ++i, ++reads) {
+      ASSERT_TRUE(out.whole());
+      slot = reader->nextOccupied(slot + 1, &out);
+    }
+  }
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  settle();
+  EXPECT_EQ(mirror_.torn, 0u);
+  EXPECT_EQ(disagreements(mirror_.model, walk(*mirror_.follower->reader())), "");
+  EXPECT_GT(mirror_.model.size(), 80000u);
+  RecordProperty("reads", std::to_string(reads));
+  RecordProperty("keysTold", std::to_string(mirror_.told));
+  RecordProperty("resyncs", std::to_string(mirror_.follower->feed().resyncs()));
+}
+
+TEST_F(CrossProcess, AWriterKilledInABatchLeavesWholeRecordsAndNoLostChange) {
+  { Tarn::TableWriter(path(), TarnTest::checkedType, geometry()); }
+  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
+  pid_t child = spawnWriter([](Tarn::TableWriter& w) {
+    for (U64 round = 1;; ++round) {
+      for (U64 k = 0; k < 20000; ++k) {
+        CheckedRecord r = CheckedRecord::make(k, round);
+        w.put(&r);
+      }
+      w.commit();
+    }
+  });
+  const Tarn::TableReader* reader = mirror_.follower->reader();
+  while (reader->logHead() < 50000) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  ::kill(child, SIGKILL);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  settle();
+  EXPECT_EQ(mirror_.torn, 0u);
+  EXPECT_EQ(disagreements(mirror_.model, walk(*reader)), "");
+  EXPECT_EQ(mirror_.model.size(), 20000u);
+}
+
+TEST_F(CrossProcess, ATableThatAppearsLaterIsDeliveredKeyByKey) {
+  EXPECT_FALSE(mirror_.follower->attach(&mirror_));
+  pid_t child = spawnWriter([](Tarn::TableWriter& w) {
+    for (U64 k = 0; k < 500; ++k) {
+      CheckedRecord r = CheckedRecord::make(k, 1);
+      w.put(&r);
+    }
+  });
+  ::waitpid(child, nullptr, 0);
+  settle();
+  EXPECT_EQ(mirror_.attachments, 1);
+  EXPECT_EQ(mirror_.model.size(), 500u);
+}
+
+TEST_F(CrossProcess, ADamagedRecordIsReportedAndTheReaderWaitsForANewFile) {
+  {
+    Tarn::TableWriter w(path(), TarnTest::checkedType, geometry());
+    for (U64 k = 0; k < 10; ++k) {
+      CheckedRecord r = CheckedRecord::make(k, 1);
+      w.put(&r);
+    }
+  }
+  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
+  // A broken writer damages the record of key 3 and announces the write.
+  {
+    TarnTest::RawTable raw(path());
+    U32 slot = raw.slotOf(3);
+    Tarn::TableMemory::record(raw.memory().current(slot))[8] ^= std::byte{1};
+    raw.announce(slot);
+  }
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (mirror_.corruption.empty() && std::chrono::steady_clock::now() < deadline)
+    Quor::activityManager()->runOnce(0.05);
+  EXPECT_NE(mirror_.corruption.find("checksum"), std::string::npos) << mirror_.corruption;
+  EXPECT_EQ(mirror_.follower->reader(), nullptr);
+  // A writer comes, will not take the damaged file over, and builds a new one with two records.
+  ::waitpid(spawnWriter([](Tarn::TableWriter& w) {
+              for (U64 k = 100; k < 102; ++k) {
+                CheckedRecord r = CheckedRecord::make(k, 1);
+                w.put(&r);
+              }
+            }),
+            nullptr, 0);
+  settle();  // attached again, to the rebuilt file: the old keys are gone, the new ones there
+  EXPECT_EQ(disagreements(mirror_.model, {{100, 1}, {101, 1}}), "");
+}
+
+}  // namespace
