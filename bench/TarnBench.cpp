@@ -1,0 +1,146 @@
+// Costs of the shared-memory tables with records the size of a route: a reader's lookup, a writer
+// loading a million records, and the time from a writer's commit of 10k changes until the last key
+// reaches the reader's receiver through the event loop.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+#include <random>
+#include <vector>
+
+#include "platform/quor/Clock.h"
+#include "platform/tarn/TableFollower.h"
+#include "platform/tarn/TableWriter.h"
+
+// Counts allocations, to show that a lookup makes none.
+static std::atomic<U64> allocations{0};
+void* operator new(std::size_t size) {
+  allocations.fetch_add(1, std::memory_order_relaxed);
+  if (void* p = std::malloc(size ? size : 1)) return p;
+  throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+
+namespace {
+
+// The layout of a route record: prefix (address, length), metric, preference, type, FEC id.
+struct RouteShaped {
+  U32 addr = 0;
+  U8 len = 0;
+  U8 pad[3] = {};
+  U32 metric = 0;
+  U8 preference = 0;
+  U8 type = 0;
+  U16 pad2 = 0;
+  U64 fecId = 0;
+};
+static_assert(sizeof(RouteShaped) == 24);
+constexpr const char* routeType = "Bench::RouteShaped";
+constexpr U32 million = 1000000;
+
+std::string benchPath(const char* name) {
+  return "/dev/shm/tarn-bench-" + std::to_string(::getpid()) + "/" + name;
+}
+
+RouteShaped route(U32 i, U32 metric = 1) {
+  RouteShaped r;
+  r.addr = 0x0a000000u + i;
+  r.len = 32;
+  r.metric = metric;
+  r.fecId = i % 1000;
+  return r;
+}
+
+Tarn::TableGeometry routeGeometry() { return Tarn::TableGeometry::forRecords(8, sizeof(RouteShaped), million); }
+
+void BM_WriteMillionRoutes(benchmark::State& state) {
+  std::string path = benchPath("write");
+  for (auto _ : state) {
+    Tarn::TableWriter w(path, routeType, routeGeometry(), 0, true);
+    for (U32 i = 0; i < million; ++i) {
+      RouteShaped r = route(i);
+      w.put(&r);
+      if (i % 10000 == 9999) w.commit();
+    }
+    w.commit();
+  }
+  Tarn::TableGeometry g = routeGeometry();
+  state.counters["fileBytesPerRoute"] = double(g.fileSize()) / million;
+  state.counters["slotBytes"] = g.slotSize();
+  std::filesystem::remove_all(std::filesystem::path(path).parent_path());
+}
+BENCHMARK(BM_WriteMillionRoutes)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_LookupInMillionRoutes(benchmark::State& state) {
+  std::string path = benchPath("lookup");
+  Tarn::TableWriter w(path, routeType, routeGeometry(), 0, true);
+  for (U32 i = 0; i < million; ++i) {
+    RouteShaped r = route(i);
+    w.put(&r);
+  }
+  w.commit();
+  auto reader = Tarn::TableReader::open(path, routeType, 8, sizeof(RouteShaped));
+  std::vector<RouteShaped> keys;
+  std::mt19937 random(1);
+  for (int i = 0; i < 4096; ++i) keys.push_back(route(random() % million));
+  RouteShaped out;
+  std::size_t i = 0;
+  U64 before = allocations.load();
+  for (auto _ : state) {
+    bool found = reader->lookup(&keys[i++ & 4095], &out);
+    benchmark::DoNotOptimize(found);
+    benchmark::DoNotOptimize(out);
+  }
+  state.counters["allocationsPerLookup"] = double(allocations.load() - before) / double(state.iterations());
+  std::filesystem::remove_all(std::filesystem::path(path).parent_path());
+}
+BENCHMARK(BM_LookupInMillionRoutes);
+
+// Counts keys delivered to it.
+class CountingClient : public Tarn::TableFollower::Client {
+ public:
+  void keyChanged(const std::byte*) override { ++told; }
+  void attachedIs(bool) override {}
+  void corruptionDetected(const std::string&) override {}
+  U64 told = 0;
+};
+
+void BM_NotifyBatchOf10k(benchmark::State& state) {
+  std::string path = benchPath("notify");
+  Tarn::TableWriter w(path, routeType, routeGeometry(), 0, true);
+  for (U32 i = 0; i < million; ++i) {
+    RouteShaped r = route(i);
+    w.put(&r);
+  }
+  w.commit();
+  CountingClient client;
+  auto follower = Quor::makePtr<Tarn::TableFollower>(path, routeType, 8, sizeof(RouteShaped));
+  follower->attach(&client);
+  U32 metric = 1;
+  U64 turns = 0;
+  for (auto _ : state) {
+    ++metric;
+    client.told = 0;
+    for (U32 i = 0; i < 10000; ++i) {
+      RouteShaped r = route(i * 97 % million, metric);
+      w.put(&r);
+    }
+    w.commit();
+    while (client.told < 10000) {
+      Quor::activityManager()->runOnce(1);
+      ++turns;
+    }
+  }
+  state.counters["loopTurnsPerBatch"] = double(turns) / double(state.iterations());
+  follower->detach(false);
+  std::filesystem::remove_all(std::filesystem::path(path).parent_path());
+}
+BENCHMARK(BM_NotifyBatchOf10k)->Unit(benchmark::kMillisecond)->Iterations(20);
+
+}  // namespace
+
+BENCHMARK_MAIN();
