@@ -6,6 +6,7 @@
 // gives entity members as pointers to const. Iterators are those of std::map: the writers of the
 // store change a collection only between the walks of its readers, never during one.
 #include <map>
+#include <type_traits>
 #include <utility>
 
 #include "platform/quor/Entity.h"
@@ -28,6 +29,7 @@ class Collection {
   static constexpr bool holdsEntities = std::is_convertible_v<V, Quor::Ptr<Quor::Entity>>;
 
  public:
+  using Key = K;
   using Read = typename ReadOnly<V>::Type;
 
   class Iterator {

@@ -49,7 +49,9 @@ class Ip6IntfAddresses : public StoreEntity<Self> {
   void addrIs(const Ip6::AddressInfo& info) {
     this->template memberIs<&NotifieeConst::onAddr>("addr", addr_, info.key(), info);
   }
-  void addrDel(const Pelt::Ip6AddrWithMask& key) { this->template memberDel<&NotifieeConst::onAddr>("addr", addr_, key); }
+  void addrDel(const Pelt::Ip6AddrWithMask& key) {
+    this->template memberDel<&NotifieeConst::onAddr>("addr", addr_, key);
+  }
 
  private:
   Pelt::IntfId intfId_;

@@ -63,11 +63,11 @@ class StoreEntity : public Quor::Entity {
 
   // A null member for a collection is a range failure.
   template <class M>
-  static const Quor::Ptr<M>& nonNull(const Quor::Ptr<M>& member, std::string_view attr) {
-    if (!member)
-      Quor::throwRangeException("null _" + std::string(attr) + " parameter to mutator for " + std::string(Self::typeName) +
-                                "::" + std::string(attr) + " not allowed");
-    return member;
+  static void nonNull(const Quor::Ptr<M>& member, std::string_view attr) {
+    if (member) return;
+    std::string name(attr);
+    Quor::throwRangeException("null _" + name + " parameter to mutator for " + Self::typeName + "::" + name +
+                              " not allowed");
   }
 };
 
