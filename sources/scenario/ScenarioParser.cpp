@@ -237,7 +237,7 @@ Scenario parseScenario(std::string_view text, std::string_view fileName) {
   YAML::Node root;
   try {
     root = YAML::Load(std::string(text));
-  } catch (const YAML::ParserException& e) {
+  } catch (const YAML::Exception& e) {
     reader.fail(e.mark, "malformed YAML: " + e.msg);
   }
   return reader.scenario(root);
