@@ -1,0 +1,107 @@
+// The plug-in's entry points, called by snmpd's dlmod: init_ipsnmp when the library is loaded
+// ("dlmod ipsnmp /path/ipsnmp.so" in snmpd.conf), deinit_ipsnmp before it is unloaded (at a
+// reconfiguration, and when snmpd stops).
+//
+// Start: the root entity of the process and the store below it, the scenario that fills the store
+// (IPSNMP_SCENARIO names its file; without it the embedded default scenario), the bridge that runs
+// the framework's timers and descriptors in snmpd's loop, every enrolled unit in the default context,
+// and the contexts of the VRFs. Stop undoes it in the reverse order, and leaves the agent no
+// registration, timer or descriptor that points into the library.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "platform/morvane/Store.h"
+#include "platform/quor/Exception.h"
+#include "platform/quor/Trace.h"
+#include "platform/snmp/AgentLoop.h"
+#include "platform/snmp/ContextTeardown.h"
+#include "platform/snmp/HandlerRegistration.h"
+#include "platform/snmp/SnmpUtil.h"
+#include "platform/snmp/TraceToSnmpLog.h"
+#include "plugin/InterimVrfContexts.h"
+#include "sources/scenario/ScenarioSource.h"
+
+extern "C" {
+void init_ipsnmp();
+void deinit_ipsnmp();
+}
+
+namespace {
+
+// What the plug-in runs, in the order it is built; members go in the reverse order.
+struct Plugin {
+  explicit Plugin(const std::string& scenarioPath);
+
+  Quor::Ptr<Quor::Dir> root;
+  Morvane::Store store;
+  Sources::ScenarioSource scenario;
+  Snmp::AgentLoop loop{Quor::activityManager()};
+  Quor::Ptr<InterimVrfContexts> vrfContexts;
+};
+
+std::unique_ptr<Plugin> plugin;
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value ? value : "";
+}
+
+// The root is named after the system, as the traces that name entities show it.
+Quor::Name systemName() {
+  char name[256] = {};
+  if (::gethostname(name, sizeof name - 1) != 0 || !*name) return Quor::Name("ipsnmp");
+  return Quor::Name(name);
+}
+
+Plugin::Plugin(const std::string& scenarioPath)
+    : root(Quor::makePtr<Quor::Dir>(systemName())),
+      store(Morvane::buildStore(root)),
+      scenario(store, scenarioPath) {}
+
+void configureTraces() {
+  Snmp::traceToSnmpLog();
+  // Refused scenarios and applied ones belong in the agent's log in any case.
+  Quor::traceConfigure("Scenario:0-1");
+  const std::string spec = environment("IPSNMP_TRACE");
+  try {
+    Quor::traceConfigure(spec);
+  } catch (const Quor::RangeException& e) {
+    snmp_log(LOG_ERR, "ipsnmp: IPSNMP_TRACE ignored: %s\n", e.what());
+  }
+}
+
+}  // namespace
+
+void init_ipsnmp() {
+  if (plugin) return;
+  configureTraces();
+  const std::string scenarioPath = environment("IPSNMP_SCENARIO");
+  try {
+    plugin = std::make_unique<Plugin>(scenarioPath);
+    SnmpUtil::rootIs(plugin->root);
+    if (std::string error = plugin->scenario.load(); !error.empty())
+      snmp_log(LOG_ERR, "ipsnmp: scenario refused, the store stays empty: %s\n", error.c_str());
+    if (!scenarioPath.empty())
+      if (std::string error = plugin->scenario.watch(); !error.empty())
+        snmp_log(LOG_ERR, "ipsnmp: edits of the scenario will not be seen: %s\n", error.c_str());
+    Snmp::registerAllInContext("");
+    plugin->vrfContexts = InterimVrfContexts::newInstance(plugin->store.routingVrfConfigDir);
+  } catch (const std::exception& e) {
+    snmp_log(LOG_ERR, "ipsnmp: start failed: %s\n", e.what());
+    deinit_ipsnmp();
+    return;
+  }
+  snmp_log(LOG_INFO, "ipsnmp: serving the default context and %zu VRF contexts (scenario %s)\n",
+           plugin->vrfContexts->openContexts().size(), scenarioPath.empty() ? "built in" : scenarioPath.c_str());
+}
+
+void deinit_ipsnmp() {
+  if (plugin && plugin->vrfContexts) plugin->vrfContexts->quorDoZombieReactors(true);
+  Snmp::unregisterHandlersOfThisLibrary();
+  plugin.reset();
+  SnmpUtil::rootIs(nullptr);
+  Quor::traceSinkIs(nullptr);
+}

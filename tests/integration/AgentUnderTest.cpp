@@ -1,0 +1,80 @@
+#include "AgentUnderTest.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace IntegrationTest {
+
+namespace {
+
+// A UDP port on the loopback address that nothing uses now; the agent binds it a moment later.
+int freeLoopbackPort() {
+  int fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  sockaddr_in addr{};
+  addr.sin_family = AF_INET;
+  addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof addr;
+  if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 ||
+      ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &length) != 0)
+    throw std::runtime_error("no free loopback UDP port");
+  ::close(fd);
+  return ntohs(addr.sin_port);
+}
+
+std::string newDirectory() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "ipsnmp-it.XXXXXX").string();
+  if (!::mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
+  return pattern;
+}
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream out(path, std::ios::trunc);
+  out << text;
+  if (!out.flush()) throw std::runtime_error("cannot write " + path);
+}
+
+}  // namespace
+
+AgentUnderTest::AgentUnderTest(const std::string& scenario)
+    : dir_(newDirectory()),
+      scenarioPath_(dir_ + "/scenario.yaml"),
+      address_("127.0.0.1:" + std::to_string(freeLoopbackPort())),
+      tools_(address_) {
+  writeFile(scenarioPath_, scenario);
+  process_ = std::make_unique<BackgroundProcess>(std::vector<std::string>{
+      IPSNMP_AGENT_LAUNCHER, "--scenario", scenarioPath_, "--listen", "udp:" + address_, "--log",
+      dir_ + "/snmpd.log", "--trace", "Snmp:0-2"});
+  ready_ = process_->waitForLine("ready", 60.0);
+}
+
+AgentUnderTest::~AgentUnderTest() {
+  process_.reset();
+  std::error_code ignored;
+  std::filesystem::remove_all(dir_, ignored);
+}
+
+void AgentUnderTest::scenarioIs(const std::string& scenario) {
+  const std::string next = scenarioPath_ + ".next";
+  writeFile(next, scenario);
+  std::filesystem::rename(next, scenarioPath_);
+}
+
+std::string AgentUnderTest::log() const {
+  std::ifstream in(dir_ + "/snmpd.log");
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::string AgentUnderTest::diagnostics() const {
+  return "launcher output:\n" + process_->output() + "\nsnmpd log:\n" + log();
+}
+
+}  // namespace IntegrationTest
