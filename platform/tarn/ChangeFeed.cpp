@@ -66,6 +66,10 @@ bool ChangeFeed::caughtUp(const TableReader& table) const {
   return !resyncing_ && orphans_.empty() && generation_ == table.generation() && cursor_ == table.logHead();
 }
 
+bool ChangeFeed::deliveredThrough(const TableReader& table, U64 logPosition) const {
+  return !resyncing_ && orphans_.empty() && generation_ == table.generation() && cursor_ >= logPosition;
+}
+
 bool ChangeFeed::deliverKey(const std::byte* key, const Deliver& deliver) {
   std::memcpy(key_.data(), key, keySize_);  // the receiver may cause the slot memory to change
   ++delivered_;

@@ -41,6 +41,8 @@ class ChangeFeed : public ReadObserver {
   // Delivers changed keys until `deadline` (Quor::now() seconds); true when caught up.
   bool pump(const TableReader& table, double deadline, const Deliver& deliver);
   bool caughtUp(const TableReader& table) const;
+  // Whether every change logged before `logPosition` of `table` has been delivered.
+  bool deliveredThrough(const TableReader& table, U64 logPosition) const;
   // Called when a read queued a displaced key, so that the owner can schedule a pump.
   void pendingHookIs(std::function<void()> hook) { pendingHook_ = std::move(hook); }
   void recordRead(U32 slot, U32 count, const std::byte* record) override;

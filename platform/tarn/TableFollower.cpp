@@ -92,9 +92,26 @@ void TableFollower::fileChanged() {
   pump();
 }
 
+bool TableFollower::predecessorCaughtUp() {
+  TableFollower* before = predecessor_ ? predecessor_() : nullptr;
+  if (!before || before == this || !before->reader_) return true;
+  // A mark beyond the log is of a file that has been replaced, even one mapped at the same address.
+  if (markedReader_ != before->reader_.get() || mark_ > before->reader_->logHead()) {
+    markedReader_ = before->reader_.get();
+    mark_ = markedReader_->logHead();
+  }
+  before->pump();
+  return before->reader_.get() != markedReader_ || before->feed_.deliveredThrough(*markedReader_, mark_);
+}
+
 void TableFollower::pump() {
   if (!reader_ || !client_ || pumping_) return;
   Quor::Ptr<TableFollower> self(this);
+  if (!predecessorCaughtUp()) {
+    timeMinIs(0.0);
+    return;
+  }
+  if (!reader_ || !client_) return;  // the predecessor's reactors let this table go
   pumping_ = true;
   bool done = true;
   try {
@@ -110,6 +127,7 @@ void TableFollower::pump() {
   }
   pumping_ = false;
   retired_.reset();
+  if (done) markedReader_ = nullptr;  // the next round waits for what the predecessor has then
   if (!done && reader_ && client_) timeMinIs(0.0);
 }
 

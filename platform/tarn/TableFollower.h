@@ -8,10 +8,17 @@
 // its content: present then, it is taken as known (the client makes its own first pass); appearing
 // later, or replacing another file, every key in it is delivered.
 //
+// A follower may be ordered after another table's (its predecessor): a round of its deliveries waits
+// until the predecessor has delivered every change that its writer had logged when the round began,
+// pumping the predecessor meanwhile. A reactor of this table then sees the effects of the other
+// table's earlier changes; the mark is fixed per round, so a busy predecessor delays a round but
+// never starves it.
+//
 // After a corruption the client detaches; the follower then attaches again only to a different file
 // at the path, which is what a writer that rebuilds the table makes.
 #include <sys/types.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -46,6 +53,9 @@ class TableFollower : public Quor::Clock::NotifieeConst {
   // again, for the same client, only to another file than the one let go.
   void detach(bool awaitReplacement);
 
+  // Names the follower whose deliveries come first, or null; asked at each round.
+  void predecessorIs(std::function<TableFollower*()> predecessor) { predecessor_ = std::move(predecessor); }
+
   // The mapped file, null while there is none.
   const TableReader* reader() const noexcept { return reader_.get(); }
   const ChangeFeed& feed() const noexcept { return feed_; }
@@ -59,6 +69,7 @@ class TableFollower : public Quor::Clock::NotifieeConst {
   void fileChanged();
   bool open(bool silently);
   void retire();
+  bool predecessorCaughtUp();
 
   std::string path_;
   std::string type_;
@@ -72,6 +83,10 @@ class TableFollower : public Quor::Clock::NotifieeConst {
   bool pumping_ = false;
   bool opened_ = false;      // whether a file has ever been mapped for this client
   ino_t refusedInode_ = 0;   // a corrupt file, not to be mapped again
+  std::function<TableFollower*()> predecessor_;
+  // The predecessor's file and change-log position that the present round waits for.
+  const TableReader* markedReader_ = nullptr;
+  U64 mark_ = 0;
 };
 
 }  // namespace Tarn

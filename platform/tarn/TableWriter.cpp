@@ -149,6 +149,11 @@ bool TableWriter::find(const void* key, void* out) const {
   return p.found;
 }
 
+void TableWriter::forEachRecord(const std::function<void(const void* record)>& visit) const {
+  for (U32 slot = 0; slot < geometry_.capacity; ++slot)
+    if (stateOf(slot) == SlotState::occupied) visit(recordOf(slot));
+}
+
 U32 TableWriter::members() const noexcept { return memory_.header().members.load(std::memory_order_relaxed); }
 
 void TableWriter::openBatch() {

@@ -10,6 +10,7 @@
 // Each put or erase is visible to readers as soon as it is made, one record at a time; a batch only
 // groups the wake-up. A writer killed in a batch leaves every record whole and the commit counter
 // odd, from which readers learn to reconcile the whole table.
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -38,6 +39,8 @@ class TableWriter {
   void commit();
 
   bool find(const void* key, void* out) const;
+  // Calls `visit` with every record, in slot order; `visit` must not write to this table.
+  void forEachRecord(const std::function<void(const void* record)>& visit) const;
   U32 members() const noexcept;
   const TableGeometry& geometry() const noexcept { return geometry_; }
   const std::string& path() const noexcept { return path_; }

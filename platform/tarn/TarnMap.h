@@ -24,6 +24,8 @@
 
 namespace Tarn {
 
+class TableFollower;
+
 enum class MountStatus { unmounted, mapped, awaitingFile, detached };
 
 // A value read from a table, with the key it was read under and whether it was there.
@@ -68,6 +70,8 @@ class TarnMapBackend {
   virtual void initialize() = 0;
   // Lets the table go: for good, or until the writer builds another file (after corruption).
   virtual void detach(bool awaitReplacement) = 0;
+  // The follower of the table file, for ordering deliveries; null for a table without one.
+  virtual TableFollower* follower() const { return nullptr; }
 };
 
 void traceCorruption(const std::string& tableName, const std::string& message);
@@ -135,7 +139,8 @@ class TarnMap {
     Util::writeCorruptionFile(name(), message);
   }
   bool toleratesCorruption() const noexcept { return toleratesCorruption_; }
-  void toleratesCorruptionIs(bool tolerates) noexcept { toleratesCorruption_ = tolerates; }
+  // A policy of this reader, not a change of the table, hence settable through a const view.
+  void toleratesCorruptionIs(bool tolerates) const noexcept { toleratesCorruption_ = tolerates; }
 
   // A view is read-only.
   [[noreturn]] void directCommit() const { refuse("write to read-only Tarn table"); }
@@ -161,6 +166,12 @@ class TarnMap {
   void keyChanged(const K& key) const {
     if (changed_) changed_(key);
   }
+  // Orders this view's notifications after those of another table (see TableFollower): the other
+  // table's follower, or null for no order. Ordering is a matter of delivery, not of the content, so
+  // it may be set through a const view.
+  void deliveredAfterIs(std::function<TableFollower*()> predecessor) const { predecessor_ = std::move(predecessor); }
+  TableFollower* deliveredAfter() const { return predecessor_ ? predecessor_() : nullptr; }
+  TableFollower* follower() const { return backend_ ? backend_->follower() : nullptr; }
 
  private:
   bool live() const noexcept { return backend_ && !detached_ && backend_->mapped(); }
@@ -169,8 +180,9 @@ class TarnMap {
   TarnBaseDummy dummy_;
   std::unique_ptr<Backend> backend_;
   std::function<void(const K&)> changed_;
+  mutable std::function<TableFollower*()> predecessor_;
   mutable bool detached_ = false;
-  bool toleratesCorruption_ = true;
+  mutable bool toleratesCorruption_ = true;
 };
 
 }  // namespace Tarn

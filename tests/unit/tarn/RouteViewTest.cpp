@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "platform/quor/Clock.h"
-#include "platform/tarn/InProcessTable.h"
 #include "platform/tarn/RouteStatus.h"
 #include "platform/tarn/TableWriter.h"
 #include "tests/unit/tarn/TableFixture.h"
@@ -68,6 +67,7 @@ class RouteView : public TarnTest::TableDir {
     ::unsetenv("TARN_CORRUPTION_DIR");
     TableDir::TearDown();
   }
+  void mount() { status_->mount(dir_.string(), Tarn::TableType::sharedMemory); }
   void turnUntil(const std::function<bool()>& done) {
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     while (!done() && std::chrono::steady_clock::now() < deadline) Quor::activityManager()->runOnce(0.05);
@@ -116,11 +116,11 @@ TEST_F(RouteView, WritingThroughAViewIsRefused) {
 }
 
 TEST_F(RouteView, AMappedTableAnswersLookupsAndWalks) {
-  RouteWriter writer(path());
+  RouteWriter writer(path("route"));
   writer.put(route("10.0.0.0/8", 1));
   writer.put(route("10.1.0.0/16", 2));
   writer.commit();
-  status_->routeFileIs(path());
+  mount();
   EXPECT_EQ(status_->route().mountStatus(), Tarn::MountStatus::mapped);
   auto found = status_->route().lookup(Pelt::Prefix("10.1.0.0/16"));
   ASSERT_TRUE(found.found());
@@ -135,10 +135,10 @@ TEST_F(RouteView, AMappedTableAnswersLookupsAndWalks) {
 }
 
 TEST_F(RouteView, ChangedPrefixesReachTheReactorsThroughTheEventLoop) {
-  RouteWriter writer(path());
+  RouteWriter writer(path("route"));
   writer.put(route("10.0.0.0/8", 1));
   writer.commit();
-  status_->routeFileIs(path());
+  mount();
   writer.put(route("10.0.0.0/8", 5));
   writer.put(route("192.168.0.0/24", 1));
   writer.commit();
@@ -151,9 +151,9 @@ TEST_F(RouteView, ChangedPrefixesReachTheReactorsThroughTheEventLoop) {
 }
 
 TEST_F(RouteView, ATableWhoseFileAppearsLaterIsAnnouncedPrefixByPrefix) {
-  status_->routeFileIs(path());
+  mount();
   EXPECT_EQ(status_->route().mountStatus(), Tarn::MountStatus::awaitingFile);
-  RouteWriter writer(path());
+  RouteWriter writer(path("route"));
   writer.put(route("10.0.0.0/8", 1));
   writer.commit();
   turnUntil([&] { return !heard_->prefixes.empty(); });
@@ -163,12 +163,12 @@ TEST_F(RouteView, ATableWhoseFileAppearsLaterIsAnnouncedPrefixByPrefix) {
 
 TEST_F(RouteView, CorruptionDetachesToTheStubRecordsTheCaseAndKeepsServing) {
   {
-    RouteWriter writer(path());
+    RouteWriter writer(path("route"));
     writer.put(route("10.0.0.0/8", 1));
   }
-  status_->routeFileIs(path());
+  mount();
   {
-    TarnTest::RawTable raw(path());
+    TarnTest::RawTable raw(path("route"));
     for (U32 slot = 0; slot < raw.header().capacity; ++slot)
       if (raw.memory().current(slot).state == U32(Tarn::SlotState::occupied))
         Tarn::TableMemory::record(raw.memory().current(slot))[12] ^= std::byte{1};
@@ -191,7 +191,7 @@ TEST_F(RouteView, CorruptionDetachesToTheStubRecordsTheCaseAndKeepsServing) {
   ASSERT_TRUE(std::filesystem::exists(dir_ / "corruption"));
   EXPECT_FALSE(std::filesystem::is_empty(dir_ / "corruption"));
   // The writer comes back, finds its file damaged and builds a new one: the view follows it.
-  RouteWriter writer(path());
+  RouteWriter writer(path("route"));
   writer.put(route("10.2.0.0/16", 3));
   writer.commit();
   turnUntil([&] { return view.lookup(Pelt::Prefix("10.2.0.0/16")).found(); });
@@ -205,9 +205,8 @@ TEST_F(RouteView, AViewThatDoesNotTolerateCorruptionRaisesAgain) {
 }
 
 TEST_F(RouteView, AnInProcessTableNotifiesInsideTheWrite) {
-  auto table = std::make_unique<Tarn::InProcessTable<Pelt::Prefix, Route>>(status_->route());
-  auto* writable = table.get();
-  status_->route().backendIs(std::move(table));
+  status_->mount("", Tarn::TableType::inProcess);
+  auto* writable = &Tarn::inProcessTable(status_->route());
   writable->put(Pelt::Prefix("10.0.0.0/8"), route("10.0.0.0/8", 1));
   EXPECT_EQ(heard_->prefixes, std::set<Pelt::Prefix>{Pelt::Prefix("10.0.0.0/8")});
   EXPECT_EQ(status_->route().lookup(Pelt::Prefix("10.0.0.0/8")).value().metric, Routing::RouteMetric(1));

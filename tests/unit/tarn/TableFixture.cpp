@@ -5,7 +5,10 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
+
+#include "platform/quor/Clock.h"
 
 namespace TarnTest {
 
@@ -40,6 +43,16 @@ void RawTable::announce(U32 slot) {
   U64 ring = h.doorbell + 1;
   if (::pwrite(fd_.get(), &ring, sizeof ring, offsetof(Tarn::FileHeader, doorbell)) != sizeof ring)
     Tarn::throwSystemError("pwrite", path_);
+}
+
+}  // namespace TarnTest
+
+namespace TarnTest {
+
+bool turnUntil(const std::function<bool()>& done) {
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (!done() && std::chrono::steady_clock::now() < deadline) Quor::activityManager()->runOnce(0.05);
+  return done();
 }
 
 }  // namespace TarnTest

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "platform/tarn/MappedFile.h"
@@ -53,6 +54,9 @@ class TableDir : public ::testing::Test {
 
   std::filesystem::path dir_;
 };
+
+// Runs the event loop until `done` holds or 5 seconds have passed; whether it holds.
+bool turnUntil(const std::function<bool()>& done);
 
 // A writable mapping of a table file, for damaging it as a broken writer would.
 class RawTable {
