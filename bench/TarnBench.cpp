@@ -1,6 +1,8 @@
 // Costs of the shared-memory tables with records the size of a route: a reader's lookup, a writer
 // loading a million records, and the time from a writer's commit of 10k changes until the last key
-// reaches the reader's receiver through the event loop.
+// reaches the reader's receiver through the event loop. Then the forwarding table: writing and
+// reading FECs of 4 vias (one record) and of 128 (a record and 8 chunks), with the shared memory
+// that each takes.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -12,6 +14,8 @@
 #include <vector>
 
 #include "platform/quor/Clock.h"
+#include "platform/tarn/FecWriter.h"
+#include "platform/tarn/ForwardingStatus.h"
 #include "platform/tarn/TableFollower.h"
 #include "platform/tarn/TableWriter.h"
 
@@ -140,6 +144,61 @@ void BM_NotifyBatchOf10k(benchmark::State& state) {
   std::filesystem::remove_all(std::filesystem::path(path).parent_path());
 }
 BENCHMARK(BM_NotifyBatchOf10k)->Unit(benchmark::kMillisecond)->Iterations(20);
+
+Tarn::Fib::Fec benchFec(U64 id, U32 vias, U32 write) {
+  Tarn::Fib::Fec fec;
+  fec.fecId = Tarn::Fib::FecId(id);
+  static const Pelt::IntfId intf("Ethernet49/1");
+  for (U32 i = 0; i < vias; ++i) fec.viaAdd({Pelt::IpAddr::fromHostOrder(0x0a000000u + write * 256 + i), intf});
+  return fec;
+}
+
+constexpr U32 benchFecs = 16384;
+
+// Rewrites FECs of state.range(0) vias in a full table, one commit per 64.
+void BM_WriteFecs(benchmark::State& state) {
+  const U32 vias = static_cast<U32>(state.range(0));
+  const U32 fecs = vias > Tarn::Fib::inlineVias ? 1024 : benchFecs;
+  const U32 chunks = fecs * Tarn::Fib::chunksFor(vias) + 64;
+  std::string path = benchPath("fec");
+  Tarn::Fib::FecWriter w(path, fecs, chunks);
+  U32 write = 0;
+  for (auto _ : state) {
+    w.put(benchFec(write % fecs, vias, write));
+    if (++write % 64 == 0) w.commit();
+  }
+  w.commit();
+  // Shared memory per FEC: its share of the FEC file and of the chunk file, at the table's full size.
+  Tarn::TableGeometry fecFile = Tarn::Fib::fecGeometry(fecs), chunkFile = Tarn::Fib::fecChunkGeometry(chunks);
+  state.counters["fecRecordBytes"] = sizeof(Tarn::Fib::FecRecord);
+  state.counters["bytesPerFec"] = double(fecFile.fileSize() + (vias > Tarn::Fib::inlineVias ? chunkFile.fileSize() : 0)) / fecs;
+  std::filesystem::remove_all(std::filesystem::path(path).parent_path());
+}
+BENCHMARK(BM_WriteFecs)->Arg(4)->Arg(128);
+
+// Looks FECs of state.range(0) vias up through the forwarding table's view.
+void BM_LookupFec(benchmark::State& state) {
+  const U32 vias = static_cast<U32>(state.range(0));
+  std::string dir = benchPath("fecview");
+  {
+    Tarn::Fib::FecWriter w(dir + "/fec", 1024, 1024 * 8 + 64);
+    for (U32 i = 0; i < 1024; ++i) w.put(benchFec(i, vias, i));
+  }
+  auto status = Quor::makePtr<Tarn::Fib::ForwardingStatus>(Quor::Name("forwarding/status"));
+  status->mount(dir, Tarn::TableType::sharedMemory);
+  U64 i = 0, viasRead = 0;
+  U64 before = allocations.load();
+  for (auto _ : state) {
+    auto fec = status->fec().lookup(Tarn::Fib::FecId(i++ & 1023));
+    viasRead += fec.value().viaCount;
+    benchmark::DoNotOptimize(fec);
+  }
+  state.counters["viasPerLookup"] = double(viasRead) / double(state.iterations());
+  state.counters["allocationsPerLookup"] = double(allocations.load() - before) / double(state.iterations());
+  status->unmount();
+  std::filesystem::remove_all(std::filesystem::path(dir).parent_path());
+}
+BENCHMARK(BM_LookupFec)->Arg(4)->Arg(128);
 
 }  // namespace
 
