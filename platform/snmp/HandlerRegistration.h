@@ -4,6 +4,8 @@
 // Each unit of the front end has one static HandlerRegistration and one static AutoRegistree; the
 // AutoRegistree enrols the unit while the library is loaded and withdraws it at unload. The plug-in
 // entry then registers every enrolled unit in the default context, and nothing else is enrolled.
+#include <cstddef>
+
 #include "platform/quor/String.h"
 
 namespace Snmp {
