@@ -2,7 +2,6 @@
 // for the VRF's teardown, and what the forwarding scalars answer from the store.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <sstream>
 
 #include "frontend/IpBase.h"
