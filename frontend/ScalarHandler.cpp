@@ -41,6 +41,6 @@ int handleScalar(const Quor::Tracer& tracer, const ScalarText& text, ScalarRead 
     QTRACE(tracer, 2, text.handler << " - " << text.conversion << " failed for: " << text.attribute);
     return generalError(requests);
   }
-  snmp_set_var_typed_value(requests->requestvb, ASN_INTEGER, buffer, length);
+  snmp_set_var_typed_value(requests->requestvb, text.type, buffer, length);
   return SNMP_ERR_NOERROR;
 }

@@ -18,9 +18,10 @@ struct ScalarText {
   const char* entityType;  // "Routing::Config"
   const char* attribute;   // "routing"
   const char* conversion;  // "IpRoutingToAsnInteger"
+  u_char type = ASN_INTEGER;  // the ASN type of the value
 };
 
-// Converts the attribute of `entity`, the registration's my_reg_void, to an ASN_INTEGER value.
+// Converts the attribute of `entity`, the registration's my_reg_void, to a value of the text's type.
 using ScalarRead = int (*)(const void* entity, unsigned char* buffer, int size);
 
 int handleScalar(const Quor::Tracer& tracer, const ScalarText& text, ScalarRead read,

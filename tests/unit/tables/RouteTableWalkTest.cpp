@@ -1,0 +1,202 @@
+// ipCidrRouteTable through the agent's helpers: a walk returns every column of every row in the order
+// that the keys define, also across column boundaries and when rows come and go between requests;
+// GET and GETNEXT answer exact, between-rows, past-the-end and malformed indexes as a manager expects.
+#include <gtest/gtest.h>
+
+#include "AgentRequests.h"
+#include "MibTree.h"
+#include "frontend/IpForward.h"
+#include "frontend/IteratorHint.h"
+#include "platform/snmp/ContextTeardown.h"
+#include "platform/quor/Trace.h"
+
+#include <optional>
+#include <sstream>
+
+namespace {
+
+using TableTest::Oid;
+using TableTest::oidOf;
+
+const Oid table = oidOf("1.3.6.1.2.1.4.24.4");
+const Oid entry = oidOf("1.3.6.1.2.1.4.24.4.1");
+
+void append(Oid& name, Pelt::IpAddr addr) {
+  U8 octets[4];
+  addr.copyToBuffer(octets);
+  name.insert(name.end(), octets, octets + 4);
+}
+
+// The instance of `column` of the row of `key`, with the type of service 0 as the table writes it.
+Oid instance(unsigned column, const IpSnmp::IpCidrRouteTableIndex& key) {
+  Oid name = entry;
+  name.push_back(column);
+  append(name, key.dest);
+  append(name, key.mask);
+  name.push_back(0);
+  append(name, key.nextHop);
+  return name;
+}
+
+// Every instance of the table, column by column, each column in key order.
+std::vector<Oid> expectedWalk(const IpSnmp::IpForwardMib& mib) {
+  std::vector<Oid> names;
+  for (unsigned column = 1; column <= 16; ++column)
+    for (auto row = mib.ipCidrRouteTable().begin(); !row.atEnd(); row.advance())
+      names.push_back(instance(column, row.key()));
+  return names;
+}
+
+// What a GETNEXT of `name` must return: the first instance above it, or nothing in the table.
+std::optional<Oid> expectedNext(const std::vector<Oid>& walk, const Oid& name) {
+  for (const Oid& instanceName : walk)
+    if (name < instanceName) return instanceName;
+  return std::nullopt;
+}
+
+// Whether a GETNEXT answer lies beyond the table: another object, or the end of the MIB view.
+bool leftTable(const TableTest::Varbind& answer) {
+  return answer.type == SNMP_ENDOFMIBVIEW || !TableTest::isBelow(answer.name, table);
+}
+
+// The instances that GETNEXTs return from `position` on, until they leave the table; `afterEach`
+// runs after each answer, before the next request.
+template <class AfterEach>
+std::vector<Oid> walkFrom(const TableTest::AgentRequests& agent, Oid position, AfterEach afterEach) {
+  std::vector<Oid> seen;
+  while (true) {
+    TableTest::Response response = agent.getNext({position});
+    if (response.varbinds.size() != 1 || leftTable(response.varbinds[0])) return seen;
+    position = response.varbinds[0].name;
+    seen.push_back(position);
+    afterEach(position);
+  }
+}
+
+std::vector<Oid> namesOf(const std::vector<TableTest::Varbind>& varbinds) {
+  std::vector<Oid> names;
+  for (const auto& v : varbinds) names.push_back(v.name);
+  return names;
+}
+
+class RouteTableWalkTest : public ::testing::Test {
+ protected:
+  void SetUp() override { init_IpForward(""); }
+  void TearDown() override {
+    iteratorHintsEnabledIs(true);
+    Snmp::unregisterHandlersOfThisLibrary();
+  }
+
+  TableTest::MibTree tree;
+  TableTest::AgentRequests agent;
+};
+
+TEST_F(RouteTableWalkTest, WalkFollowsTheKeyOrderAcrossEveryColumn) {
+  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 16, "192.0.2.1");
+  TableTest::addRoute(*tree.ipForwardMib, "0.0.0.0", 0, "192.0.2.254");
+  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.1");
+  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.0");
+  TableTest::addRoute(*tree.ipForwardMib, "172.16.0.0", 12, "192.0.2.9");
+  EXPECT_EQ(namesOf(agent.walk(table)), expectedWalk(*tree.ipForwardMib));
+}
+
+TEST_F(RouteTableWalkTest, BulkWalkReturnsTheSameVarbindsAsAWalk) {
+  TableTest::addRoutes(*tree.ipForwardMib, 23);
+  const std::vector<Oid> expected = expectedWalk(*tree.ipForwardMib);
+  // Seven repetitions make most answers cross a column boundary inside one request.
+  EXPECT_EQ(namesOf(agent.bulkWalk(table, 7)), expected);
+  EXPECT_EQ(namesOf(agent.bulkWalk(table, 50)), expected);
+}
+
+TEST_F(RouteTableWalkTest, WalkWithoutHintsGivesTheSameAnswers) {
+  TableTest::addRoutes(*tree.ipForwardMib, 9);
+  iteratorHintsEnabledIs(false);
+  EXPECT_EQ(namesOf(agent.bulkWalk(table, 10)), expectedWalk(*tree.ipForwardMib));
+}
+
+// Counts the steps that the frame takes along the table while `run` requests.
+template <class Run>
+std::size_t stepsOf(Run run) {
+  std::ostringstream traces;
+  Quor::coverageStream_ = &traces;
+  run();
+  Quor::coverageStream_ = nullptr;
+  std::size_t steps = 0;
+  const std::string text = traces.str();
+  for (std::size_t at = text.find("advancing loop context"); at != std::string::npos;
+       at = text.find("advancing loop context", at + 1))
+    ++steps;
+  return steps;
+}
+
+TEST_F(RouteTableWalkTest, HintMakesEveryStepOfAWalkStartAtItsRow) {
+  constexpr std::size_t rows = 120;
+  TableTest::addRoutes(*tree.ipForwardMib, rows);
+  const std::size_t varbinds = 16 * rows;
+  const std::size_t hinted = stepsOf([&] { agent.bulkWalk(table, 25); });
+  // One step past the requested row per varbind, and one more at each column's end.
+  EXPECT_LE(hinted, varbinds + 16);
+  iteratorHintsEnabledIs(false);
+  const std::size_t scanned = stepsOf([&] { agent.bulkWalk(table, 25); });
+  EXPECT_GT(scanned, 16 * rows * rows / 2);
+}
+
+TEST_F(RouteTableWalkTest, RowRemovedUnderTheWalkIsPassedAndTheWalkGoesOn) {
+  TableTest::addRoutes(*tree.ipForwardMib, 5);
+  const std::vector<Oid> before = expectedWalk(*tree.ipForwardMib);
+  const IpSnmp::IpCidrRouteTableIndex removed = TableTest::routeKey("10.0.2.0", 24, "192.0.2.1");
+  // The row just answered in column 2 goes away before the next request comes.
+  const std::vector<Oid> seen = walkFrom(agent, table, [&](const Oid& answered) {
+    if (answered == instance(2, removed)) tree.ipForwardMib->ipCidrRouteTableDel(removed);
+  });
+  std::vector<Oid> wanted;
+  for (const Oid& name : before)
+    if (name[entry.size()] <= 2 || name != instance(name[entry.size()], removed)) wanted.push_back(name);
+  EXPECT_EQ(seen, wanted);
+}
+
+TEST_F(RouteTableWalkTest, RowAddedAheadOfTheWalkIsSeen) {
+  TableTest::addRoutes(*tree.ipForwardMib, 3);
+  TableTest::Response first = agent.getNext({table});
+  ASSERT_EQ(first.varbinds.size(), 1u);
+  TableTest::addRoute(*tree.ipForwardMib, "10.0.1.128", 25, "192.0.2.1");
+  const std::vector<Oid> expected = expectedWalk(*tree.ipForwardMib);
+  std::vector<Oid> seen{first.varbinds[0].name};
+  for (const Oid& name : walkFrom(agent, first.varbinds[0].name, [](const Oid&) {})) seen.push_back(name);
+  EXPECT_EQ(seen, expected);
+}
+
+TEST_F(RouteTableWalkTest, GetNextOfAnyIndexAnswersTheNextInstance) {
+  TableTest::addRoutes(*tree.ipForwardMib, 4);
+  TableTest::addRoute(*tree.ipForwardMib, "10.0.1.0", 24, "192.0.2.7");
+  const std::vector<Oid> walk = expectedWalk(*tree.ipForwardMib);
+  const Oid row = instance(5, TableTest::routeKey("10.0.1.0", 24, "192.0.2.1"));
+  const std::vector<Oid> probes = {
+      table,
+      entry,
+      oidOf("1.3.6.1.2.1.4.24.4.1.0"),
+      row,                                                     // an exact row
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.1.0.255.255.255.0.0.192.0.2.4"),  // between two rows
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.1.0.255.255.255.0"),              // three components
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.1.0.255.255.255.0.4294967295.192.0.2.1"),  // tos out of range
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.1.0.255.255.255.0.0.192.0.2.1.9"),  // longer than a row
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.1.300.255.255.255.0.0.192.0.2.1"),  // not an address
+      oidOf("1.3.6.1.2.1.4.24.4.1.5.10.0.3.0.255.255.255.0.0.192.0.2.1"),  // the column's last row
+      oidOf("1.3.6.1.2.1.4.24.4.1.16.10.0.3.0.255.255.255.0.0.192.0.2.1"),  // the table's last instance
+      oidOf("1.3.6.1.2.1.4.24.4.1.17"),
+  };
+  for (const Oid& probe : probes) {
+    SCOPED_TRACE(TableTest::textOf(probe));
+    TableTest::Response response = agent.getNext({probe});
+    ASSERT_EQ(response.errorStatus, SNMP_ERR_NOERROR);
+    ASSERT_EQ(response.varbinds.size(), 1u);
+    const std::optional<Oid> next = expectedNext(walk, probe);
+    if (next) {
+      EXPECT_EQ(TableTest::textOf(response.varbinds[0].name), TableTest::textOf(*next));
+    } else {
+      EXPECT_TRUE(leftTable(response.varbinds[0]));
+    }
+  }
+}
+
+}  // namespace
