@@ -5,11 +5,13 @@
 namespace IpSnmp {
 
 namespace {
-constexpr std::string_view attributeNames[] = {"ipAddressTable", "ipAddressPrefixTable", "ipAddrTable", "ipSwFwdStats"};
+constexpr std::string_view attributeNames[] = {"ipAddressTable", "ipAddressPrefixTable", "ipAddrTable", "arpTable",
+                                               "ipSwFwdStats"};
 constexpr Quor::AttributeId ipAddressTableAttr = Quor::Entity::firstAttributeId;
 constexpr Quor::AttributeId ipAddressPrefixTableAttr = ipAddressTableAttr + 1;
 constexpr Quor::AttributeId ipAddrTableAttr = ipAddressTableAttr + 2;
-constexpr Quor::AttributeId ipSwFwdStatsAttr = ipAddressTableAttr + 3;
+constexpr Quor::AttributeId arpTableAttr = ipAddressTableAttr + 3;
+constexpr Quor::AttributeId ipSwFwdStatsAttr = ipAddressTableAttr + 4;
 }  // namespace
 
 IpMib::~IpMib() = default;
@@ -72,6 +74,27 @@ Quor::ValidPtr<IpAddrEntry> IpMib::ipAddrTableIs(const Quor::ValidPtr<IpAddressE
 Quor::Ptr<IpAddrEntry> IpMib::ipAddrTableDel(Pelt::IpAddr key) {
   Quor::Ptr<IpAddrEntry> row = ipAddrTable_.deleteMember(key);
   if (row) tell(ipAddrTableAttr, &NotifieeConst::onIpAddrTable, key);
+  return row;
+}
+
+Quor::ValidPtr<ArpTableEntry> IpMib::arpTableIs(const ArpTableIndex& key, Pelt::IntfId intfId,
+                                               const Quor::Ptr<const Arp::Table::Status>& arpTarn,
+                                               Vrf::VrfIdMap::VrfId arpTarnVrfId) {
+  if (ArpTableEntry* row = arpTable_.member(key)) {
+    checkConstructorParameter("_intfId", intfId, row->intfId());
+    checkConstructorParameter("_arpTarn", arpTarn, row->arpTarn());
+    checkConstructorParameter("_arpTarnVrfId", arpTarnVrfId, row->arpTarnVrfId());
+    return row;
+  }
+  auto row = Quor::makePtr<ArpTableEntry>(key, intfId, arpTarn, arpTarnVrfId);
+  arpTable_.memberIs(row);
+  tell(arpTableAttr, &NotifieeConst::onArpTable, key);
+  return row;
+}
+
+Quor::Ptr<ArpTableEntry> IpMib::arpTableDel(const ArpTableIndex& key) {
+  Quor::Ptr<ArpTableEntry> row = arpTable_.deleteMember(key);
+  if (row) tell(arpTableAttr, &NotifieeConst::onArpTable, key);
   return row;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 // The IP-MIB tables of one VRF: addresses (ipAddressTable), their prefixes (ipAddressPrefixTable),
-// the IPv4 view of the addresses (ipAddrTable) and the forwarding statistics per IP version.
+// the IPv4 view of the addresses (ipAddrTable), the neighbours (arpTable) and the forwarding
+// statistics per IP version.
 //
 // ipAddressPrefixTable holds, of all occurrences of an address, only the prefix of the master
 // occurrence, through a small holder so that the row of a key can be swapped in place; ipAddrTable
 // holds a row for every IPv4 row of ipAddressTable and never one for IPv6.
+#include "model/ArpTableEntry.h"
 #include "model/IpAddrEntry.h"
 #include "model/IpAddressEntry.h"
 #include "platform/quor/Entity.h"
@@ -38,6 +40,9 @@ class IpMib : public Quor::Entity {
   using IpAddrTable = Quor::RbTreeMap<IpAddrEntry, Pelt::IpAddr>;
   using IpAddrTableIterator = IpAddrTable::Iterator;
   using IpAddrTableIteratorConst = IpAddrTable::IteratorConst;
+  using ArpTable = Quor::RbTreeMap<ArpTableEntry, ArpTableIndex>;
+  using ArpTableIterator = ArpTable::Iterator;
+  using ArpTableIteratorConst = ArpTable::IteratorConst;
   using IpSwFwdStats = Ip::SwFwdStatsMap;
   using IpSwFwdStatsIteratorConst = IpSwFwdStats::IteratorConst;
 
@@ -46,6 +51,7 @@ class IpMib : public Quor::Entity {
     virtual void onIpAddressTable(const InetAddress&) {}
     virtual void onIpAddressPrefixTable(const IpAddressPrefixKey&) {}
     virtual void onIpAddrTable(const Pelt::IpAddr&) {}
+    virtual void onArpTable(const ArpTableIndex&) {}
     virtual void onIpSwFwdStats(Ip::IpVersion) {}
   };
 
@@ -74,6 +80,15 @@ class IpMib : public Quor::Entity {
   Quor::ValidPtr<IpAddrEntry> ipAddrTableIs(const Quor::ValidPtr<IpAddressEntry>& masterEntry);
   Quor::Ptr<IpAddrEntry> ipAddrTableDel(Pelt::IpAddr key);
 
+  const ArpTable& arpTable() const noexcept { return arpTable_; }
+  ArpTableEntry* arpTable(const ArpTableIndex& key) const { return arpTable_.member(key); }
+  // The row of the neighbour, created when absent; an existing row with another interface, table or
+  // VRF id is a name-in-use failure.
+  Quor::ValidPtr<ArpTableEntry> arpTableIs(const ArpTableIndex& key, Pelt::IntfId intfId,
+                                           const Quor::Ptr<const Arp::Table::Status>& arpTarn,
+                                           Vrf::VrfIdMap::VrfId arpTarnVrfId);
+  Quor::Ptr<ArpTableEntry> arpTableDel(const ArpTableIndex& key);
+
   const IpSwFwdStats& ipSwFwdStats() const noexcept { return ipSwFwdStats_; }
   Quor::Ptr<Ip::SwFwdStats> ipSwFwdStats(Ip::IpVersion version) const { return ipSwFwdStats_.member(version); }
   // The statistics entity of `version`, made when absent; one of another VRF is a name-in-use failure.
@@ -89,7 +104,8 @@ class IpMib : public Quor::Entity {
   IpAddressTable ipAddressTable_;
   IpAddressPrefixTable ipAddressPrefixTable_;
   IpAddrTable ipAddrTable_;
-  IpSwFwdStats ipSwFwdStats_{this, firstAttributeId + 3};
+  ArpTable arpTable_;
+  IpSwFwdStats ipSwFwdStats_{this, firstAttributeId + 4};
 };
 
 }  // namespace IpSnmp
