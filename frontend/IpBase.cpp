@@ -8,6 +8,7 @@
 #include <string>
 
 #include "frontend/Conversions.h"
+#include "frontend/IpBaseTables.h"
 #include "frontend/ScalarHandler.h"
 #include "platform/morvane/RoutingConfig.h"
 #include "platform/quor/Flitlog.h"
@@ -99,8 +100,10 @@ void init_IpBase(Quor::String8 context) {
     registrations.scalarIs(context, forwarding6.release());
   }
 
-  // The tables of the unit register here, in this order: ipAddrTable, ipNetToMediaTable,
-  // ipAddressPrefixTable, ipAddressTable (each through its initialize_table_<table>(context)).
+  initialize_table_ipAddrTable(context);
+  // ipNetToMediaTable registers here once IpMib holds the ARP table.
+  initialize_table_ipAddressPrefixTable(context);
+  initialize_table_ipAddressTable(context);
 }
 
 void unregister_IpBase(Quor::String8 context) { registrations.unregisterContext(context); }
@@ -119,4 +122,4 @@ int handle_ipv6IpForwarding(netsnmp_mib_handler*, netsnmp_handler_registration* 
   return handleScalar(tracer, ipv6IpForwardingText, readRouting<Routing6::Config>, reginfo, reqinfo, requests);
 }
 
-const ContextRegistrations& ipBaseRegistrations() { return registrations; }
+ContextRegistrations& ipBaseRegistrations() { return registrations; }

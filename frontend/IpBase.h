@@ -17,5 +17,5 @@ int handle_ipForwarding(netsnmp_mib_handler* handler, netsnmp_handler_registrati
 int handle_ipv6IpForwarding(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,
                             netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests);
 
-// The unit's record of what it registered in each VRF's context.
-const ContextRegistrations& ipBaseRegistrations();
+// The unit's record of what it registered in each VRF's context; its tables register through it.
+ContextRegistrations& ipBaseRegistrations();

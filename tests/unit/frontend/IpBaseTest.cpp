@@ -87,8 +87,11 @@ TEST_F(IpBaseTest, DefaultContextRegistersBothScalarsAndRemembersNothing) {
 TEST_F(IpBaseTest, VrfContextRegistersIpForwardingOnly) {
   init_IpBase("red");
   const ContextRegistrations::Registrations& kept = ipBaseRegistrations().handlerRegistrations("red");
-  ASSERT_EQ(kept.size(), 1u);
+  // ipForwarding, then the tables.
+  ASSERT_EQ(kept.size(), 4u);
   EXPECT_STREQ(kept[0]->handlerName, "ipForwarding_red");
+  EXPECT_STREQ(kept[1]->handlerName, "ipAddrTable_red");
+  EXPECT_STREQ(kept[3]->handlerName, "ipAddressTable_red");
   EXPECT_STREQ(kept[0]->contextName, "red");
   EXPECT_EQ(kept[0]->my_reg_void, red.ptr());
   EXPECT_EQ(scalarAt("red", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), kept[0]);
@@ -119,7 +122,7 @@ TEST_F(IpBaseTest, UnregisterOfAContextNeverRegisteredChangesNothing) {
   init_IpBase("red");
   unregister_IpBase("blue");
   unregister_IpBase("");
-  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 1u);
+  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 4u);
   EXPECT_NE(scalarAt("", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), nullptr);
   EXPECT_NE(scalarAt("red", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), nullptr);
 }
