@@ -4,8 +4,8 @@
 //
 // Start: the root entity of the process and the store below it, the scenario that fills the store
 // (IPSNMP_SCENARIO names its file; without it the embedded default scenario), the bridge that runs
-// the framework's timers and descriptors in snmpd's loop, every enrolled unit in the default context,
-// and the contexts of the VRFs. Stop undoes it in the reverse order, and leaves the agent no
+// the framework's timers and descriptors in snmpd's loop, the MIB containers and the state machines
+// over the filled store, every enrolled unit in the default context, and the contexts of the VRFs. Stop undoes it in the reverse order, and leaves the agent no
 // registration, timer or descriptor that points into the library.
 #include <unistd.h>
 
@@ -21,6 +21,7 @@
 #include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 #include "platform/snmp/TraceToSnmpLog.h"
+#include "plugin/AgentStartup.h"
 #include "plugin/InterimVrfContexts.h"
 #include "sources/scenario/ScenarioSource.h"
 
@@ -38,6 +39,7 @@ struct Plugin {
   Quor::Ptr<Quor::Dir> root;
   Morvane::Store store;
   Sources::ScenarioSource scenario;
+  std::unique_ptr<AgentStartup> agent;
   Snmp::AgentLoop loop{Quor::activityManager()};
   Quor::Ptr<InterimVrfContexts> vrfContexts;
 };
@@ -87,6 +89,7 @@ void init_ipsnmp() {
     if (!scenarioPath.empty())
       if (std::string error = plugin->scenario.watch(); !error.empty())
         snmp_log(LOG_ERR, "ipsnmp: edits of the scenario will not be seen: %s\n", error.c_str());
+    plugin->agent = std::make_unique<AgentStartup>(plugin->root, plugin->store);
     Snmp::registerAllInContext("");
     plugin->vrfContexts = InterimVrfContexts::newInstance(plugin->store.routingVrfConfigDir);
   } catch (const std::exception& e) {

@@ -69,18 +69,20 @@ TEST_F(InterimVrfContextsTest, ALeavingVrfLeavesNothingOfItsContext) {
 TEST_F(InterimVrfContextsTest, AVrfThatComesBackIsServedAgain) {
   vrf("red");
   follow();
+  const std::size_t oneSet = ipBaseRegistrations().handlerRegistrations("red").size();
   store.routingVrfConfigDir->vrfConfigDel(Quor::Name("red"));
   auto again = vrf("red");
   EXPECT_EQ(servedConfig("red"), again.ptr());
-  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 1u);
+  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), oneSet);
 }
 
 TEST_F(InterimVrfContextsTest, AReplacedConfigurationIsRegisteredAnew) {
   auto first = vrf("red");
   follow();
+  const std::size_t oneSet = ipBaseRegistrations().handlerRegistrations("red").size();
   auto second = vrf("red");
   EXPECT_EQ(servedConfig("red"), second.ptr());
-  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 1u);
+  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), oneSet) << "the first set is gone";
 }
 
 TEST_F(InterimVrfContextsTest, TheDefaultVrfIsNotAContextOfItsOwn) {
