@@ -6,28 +6,17 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <filesystem>
-#include <new>
 #include <random>
 #include <vector>
 
+#include "bench/AllocationCounter.h"
 #include "platform/quor/Clock.h"
 #include "platform/tarn/FecWriter.h"
 #include "platform/tarn/ForwardingStatus.h"
 #include "platform/tarn/TableFollower.h"
 #include "platform/tarn/TableWriter.h"
 
-// Counts allocations, to show that a lookup makes none.
-static std::atomic<U64> allocations{0};
-void* operator new(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(size ? size : 1)) return p;
-  throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -93,13 +82,13 @@ void BM_LookupInMillionRoutes(benchmark::State& state) {
   for (int i = 0; i < 4096; ++i) keys.push_back(route(random() % million));
   RouteShaped out;
   std::size_t i = 0;
-  U64 before = allocations.load();
+  U64 before = allocationsSoFar();
   for (auto _ : state) {
     bool found = reader->lookup(&keys[i++ & 4095], &out);
     benchmark::DoNotOptimize(found);
     benchmark::DoNotOptimize(out);
   }
-  state.counters["allocationsPerLookup"] = double(allocations.load() - before) / double(state.iterations());
+  state.counters["allocationsPerLookup"] = double(allocationsSoFar() - before) / double(state.iterations());
   std::filesystem::remove_all(std::filesystem::path(path).parent_path());
 }
 BENCHMARK(BM_LookupInMillionRoutes);
@@ -187,14 +176,14 @@ void BM_LookupFec(benchmark::State& state) {
   auto status = Quor::makePtr<Tarn::Fib::ForwardingStatus>(Quor::Name("forwarding/status"));
   status->mount(dir, Tarn::TableType::sharedMemory);
   U64 i = 0, viasRead = 0;
-  U64 before = allocations.load();
+  U64 before = allocationsSoFar();
   for (auto _ : state) {
     auto fec = status->fec().lookup(Tarn::Fib::FecId(i++ & 1023));
     viasRead += fec.value().viaCount;
     benchmark::DoNotOptimize(fec);
   }
   state.counters["viasPerLookup"] = double(viasRead) / double(state.iterations());
-  state.counters["allocationsPerLookup"] = double(allocations.load() - before) / double(state.iterations());
+  state.counters["allocationsPerLookup"] = double(allocationsSoFar() - before) / double(state.iterations());
   status->unmount();
   std::filesystem::remove_all(std::filesystem::path(dir).parent_path());
 }
