@@ -1,0 +1,99 @@
+#include "agent/ArpTableSm.h"
+
+#include "agent/AgentTrace.h"
+
+namespace IpSnmp {
+
+ArpTableSm::ArpTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
+                       const Quor::Ptr<IpMib>& ipMib, const Quor::Ptr<const Arp::Table::Status>& arpTarn,
+                       Vrf::VrfIdMap::VrfId arpTarnVrfId)
+    : arpTarn_(arpTarn), arpTarnVrfId_(arpTarnVrfId) {
+  if (intfStatusDir) {
+    intfStatusDir_ = Quor::makePtr<QuorIntfStatusDir>();
+    intfStatusDir_->notifierIs(intfStatusDir);
+  }
+  if (ipMib) ipMib_ = Quor::makePtr<QuorIpMib>(ipMib);
+}
+
+ArpTableSm::~ArpTableSm() { quorDoZombieReactors(true); }
+
+Quor::Ptr<const Interface::AllIntfStatusDir> ArpTableSm::intfStatusDir() const {
+  return intfStatusDir_ ? intfStatusDir_->notifier() : nullptr;
+}
+
+Quor::Ptr<IpMib> ArpTableSm::ipMib() const { return ipMib_ ? ipMib_->table() : nullptr; }
+
+void ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId arpTarnVrfId) {
+  IPSNMP_HANDLER("void IpSnmp::ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId)");
+  QTRACE(agentTracer(), 8,
+         "void IpSnmp::ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId)" << " cur: " << arpTarnVrfId_
+                                                                         << " new: " << arpTarnVrfId);
+  if (arpTarnVrfId == arpTarnVrfId_) return;
+  if (arpTarnVrfId_.isUnknown()) {
+    arpTarnVrfId_ = arpTarnVrfId;
+    populate();
+  } else if (arpTarnVrfId.isUnknown()) {
+    arpTarnVrfId_ = arpTarnVrfId;
+  }
+  // Both known and different: deliberately nothing, the old id stays until the id goes through -1.
+}
+
+bool ArpTableSm::rowIndexOf(Pelt::IntfId intfId, const Pelt::IpGenAddr& addr, ArpTableIndex* index) const {
+  Quor::Ptr<const Interface::IntfStatus> status = intfStatusDir()->intfStatus(intfId);
+  if (!status) {
+    QTRACE(agentTracer(), 8, "no intfStatus");
+    return false;
+  }
+  const S32 ifIndex = intfIfIndex(status);
+  if (ifIndex < 0) {
+    QTRACE(agentTracer(), 8, "no ifIndex (yet?)");
+    return false;
+  }
+  if (arpTarnVrfId_.isUnknown()) {
+    QTRACE(agentTracer(), 8, "no arp tarn vrf id (yet?)");
+    return false;
+  }
+  *index = ArpTableIndex(static_cast<U32>(ifIndex), addr.v4Addr());
+  return true;
+}
+
+void ArpTableSm::addArpEntry(const Arp::Table::ArpEntry& entry) {
+  IPSNMP_HANDLER("void IpSnmp::ArpTableSm::addArpEntry(const Arp::Table::ArpEntry&)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::ArpTableSm::addArpEntry(const Arp::Table::ArpEntry&)" << " for " << entry);
+  ArpTableIndex index;
+  if (!rowIndexOf(entry.intfId, entry.addr, &index)) return;
+  ipMib()->arpTableIs(index, entry.intfId, arpTarn_, arpTarnVrfId_);
+}
+
+void ArpTableSm::delArpEntry(const Arp::Table::ArpKey& key) {
+  IPSNMP_HANDLER("void IpSnmp::ArpTableSm::delArpEntry(const Arp::Table::ArpKey&)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::ArpTableSm::delArpEntry(const Arp::Table::ArpKey&)" << " for " << key);
+  ArpTableIndex index;
+  if (!rowIndexOf(key.intfId, key.addr, &index)) return;
+  ipMib()->arpTableDel(index);
+}
+
+void ArpTableSm::populate() {
+  IPSNMP_HANDLER("void IpSnmp::ArpTableSm::populate()");
+  QTRACE(agentTracer(), 8, "void IpSnmp::ArpTableSm::populate()" << " arpTarnVrfId: " << arpTarnVrfId_);
+  if (arpTarnVrfId_.isUnknown()) {
+    QTRACE(agentTracer(), 8, "  not arp ready");
+    return;
+  }
+  // The table has no index by VRF: the walk is over the entries of all VRFs.
+  const Arp::Table::Status::ArpEntryMap& entries = arpTarn_->arpEntry();
+  try {
+    Tarn::TarnMapIterator it;
+    for (auto entry = entries.first(it); entry; entry = entries.next(entry.key(), it))
+      if (entry.value().vrfId == arpTarnVrfId_) addArpEntry(entry.value());
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    entries.corruptionDetected(e.text());
+  }
+}
+
+void ArpTableSm::quorZombieNested(bool flag) {
+  if (intfStatusDir_) intfStatusDir_->quorDoZombieReactors(flag);
+  if (ipMib_) ipMib_->quorDoZombieReactors(flag);
+}
+
+}  // namespace IpSnmp

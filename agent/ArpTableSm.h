@@ -1,0 +1,61 @@
+#pragma once
+// ArpTableSm keeps the arpTable (ipNetToMediaTable) of one VRF's IpMib: one row per neighbour of
+// that VRF in the shared-memory ARP table, keyed by interface index and IPv4 address. A row only
+// says where to look the neighbour up, so a neighbour whose MAC address changes needs no work here.
+// The machine has no reactor on the ARP table: VrfRootSm routes each entry to the machine of its VRF
+// id and calls addArpEntry or delArpEntry.
+//
+// The VRF id may reach the system after the VRF; -1 stands for "not known yet". While it is unknown
+// the machine refuses every entry ("not arp ready"). Deliberate, and relied on:
+// - once the id is known, arpTarnVrfIdIs with another known id does nothing: the only way to another
+//   id is through -1, which keeps the rows, and the id after that populates anew;
+// - a machine made with a known id starts empty: no populate() runs for it;
+// - an entry on an interface without status, or with a negative index, is refused, also when it is
+//   deleted: without the index the row's key can't be computed, so such a row stays.
+#include "agent/QuorOutputTable.h"
+#include "model/IpMib.h"
+#include "platform/morvane/IntfStatus.h"
+#include "platform/tarn/ArpStatus.h"
+
+namespace IpSnmp {
+
+class ArpTableSm : public Quor::Reactor {
+ public:
+  // Both inputs are held by reactors without handlers.
+  class QuorIntfStatusDir final : public Interface::AllIntfStatusDir::NotifieeConst {};
+  using QuorIpMib = QuorOutputTable<IpMib>;
+
+  // Stores its parameters and reads nothing yet.
+  ArpTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir, const Quor::Ptr<IpMib>& ipMib,
+             const Quor::Ptr<const Arp::Table::Status>& arpTarn, Vrf::VrfIdMap::VrfId arpTarnVrfId);
+  // Leaves the rows of arpTable in place.
+  ~ArpTableSm() override;
+
+  Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir() const;
+  Quor::Ptr<IpMib> ipMib() const;
+  const Quor::Ptr<const Arp::Table::Status>& arpTarn() const noexcept { return arpTarn_; }
+  Vrf::VrfIdMap::VrfId arpTarnVrfId() const noexcept { return arpTarnVrfId_; }
+  // From unknown to known populates; to unknown keeps the rows; from known to another known does
+  // nothing.
+  void arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId arpTarnVrfId);
+
+  // The row of the entry, made when absent; one with other values is a name-in-use failure.
+  void addArpEntry(const Arp::Table::ArpEntry& entry);
+  void delArpEntry(const Arp::Table::ArpKey& key);
+  // Adds every entry of this machine's VRF id, walking the whole table of all VRFs.
+  void populate();
+
+ protected:
+  void quorZombieNested(bool flag) override;
+
+ private:
+  // The row key of a neighbour on `intfId`; false, after its trace, when the machine must refuse it.
+  bool rowIndexOf(Pelt::IntfId intfId, const Pelt::IpGenAddr& addr, ArpTableIndex* index) const;
+
+  Quor::Ptr<QuorIntfStatusDir> intfStatusDir_;
+  Quor::Ptr<QuorIpMib> ipMib_;
+  const Quor::Ptr<const Arp::Table::Status> arpTarn_;
+  Vrf::VrfIdMap::VrfId arpTarnVrfId_;
+};
+
+}  // namespace IpSnmp

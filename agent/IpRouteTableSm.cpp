@@ -1,0 +1,319 @@
+// The route machine: its inputs, the intake that marks prefixes, and the time-sliced pass that
+// rebuilds their rows.
+#include "agent/IpRouteTableSm.h"
+
+#include <initializer_list>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "agent/AgentTrace.h"
+#include "model/Mask.h"
+#include "model/ProtocolMap.h"
+
+namespace IpSnmp {
+
+namespace {
+
+template <class Reactor, class Input>
+Quor::Ptr<Reactor> reactorOn(IpRouteTableSm* sm, const Quor::Ptr<const Input>& input) {
+  if (!input) return nullptr;
+  auto reactor = Quor::makePtr<Reactor>(sm);
+  reactor->notifierIs(input);
+  return reactor;
+}
+
+template <class Reactor>
+auto notifierOf(const Quor::Ptr<Reactor>& reactor) -> std::remove_cvref_t<decltype(reactor->notifier())> {
+  return reactor ? reactor->notifier() : nullptr;
+}
+
+// The route types that have a protocol of their own in the MIB; every other type reads as "other".
+constexpr std::pair<Routing::Fib::RouteType, IpRouteProtocol> routeProtocols[] = {
+    {Routing::Fib::routeTypeStaticConfig, ipRouteProtocolNetmgmt},
+    {Routing::Fib::routeTypeRip, ipRouteProtocolRip},
+    {Routing::Fib::routeTypeConnected, ipRouteProtocolLocal},
+    {Routing::Fib::routeTypeOspfIntraArea, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeOspfInterArea, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeOspfExternalType1, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeOspfExternalType2, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeOspfNssaType1, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeOspfNssaType2, ipRouteProtocolOspf},
+    {Routing::Fib::routeTypeIbgp, ipRouteProtocolBgp},
+    {Routing::Fib::routeTypeEbgp, ipRouteProtocolBgp},
+};
+
+// Types 0 to 3 are forwarding-only kinds (invalid, receive, broadcast receive, dropped).
+bool suitableForFib(Routing::Fib::RouteType type) { return type < 0 || type > Routing::Fib::routeTypeDropped; }
+
+}  // namespace
+
+IpRouteTableSm::IpRouteTableSm(const Quor::Ptr<IpForwardMib>& ipForwardMib,
+                               const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
+                               const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
+                               const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
+                               const Quor::Ptr<const Quor::Clock>& clock) {
+  if (ipForwardMib) ipForwardMib_ = Quor::makePtr<QuorIpForwardMib>(ipForwardMib);
+  intfStatusDir_ = reactorOn<QuorIntfStatusDir>(this, intfStatusDir);
+  routeStatus_ = reactorOn<QuorRouteStatus>(this, routeStatus);
+  forwardingStatus_ = reactorOn<QuorForwardingStatus>(this, forwardingStatus);
+  if (clock) {
+    // Scheduled from the start: the first pass runs as soon as the event loop next runs the clock.
+    clock_ = Quor::makePtr<QuorClock>(nullptr);
+    clock_->timeMinIs(0.0);
+    clock_->notifierIs(clock);
+  }
+  doInstantiate();
+  handleRoute();
+  if (clock_) clock_->ipRouteTableSmIs(this);
+}
+
+IpRouteTableSm::~IpRouteTableSm() {
+  quorDoZombieReactors(true);
+  // A reactor that a notification still holds must not reach back into a machine that is gone.
+  if (intfStatusDir_) intfStatusDir_->ipRouteTableSmIs(nullptr);
+  if (routeStatus_) routeStatus_->ipRouteTableSmIs(nullptr);
+  if (forwardingStatus_) forwardingStatus_->ipRouteTableSmIs(nullptr);
+  if (clock_) clock_->ipRouteTableSmIs(nullptr);
+  fecRouteListSm_ = nullptr;
+  fecRouteList_ = nullptr;
+  intfDepDelAll();
+}
+
+Quor::Ptr<IpForwardMib> IpRouteTableSm::ipForwardMib() const { return ipForwardMib_ ? ipForwardMib_->table() : nullptr; }
+Quor::Ptr<const Interface::AllIntfStatusDir> IpRouteTableSm::intfStatusDir() const { return notifierOf(intfStatusDir_); }
+Quor::Ptr<const Tarn::Fib::RouteStatus> IpRouteTableSm::routeStatus() const { return notifierOf(routeStatus_); }
+Quor::Ptr<const Tarn::Fib::ForwardingStatus> IpRouteTableSm::forwardingStatus() const {
+  return notifierOf(forwardingStatus_);
+}
+Quor::Ptr<const Quor::Clock> IpRouteTableSm::clock() const { return notifierOf(clock_); }
+
+Quor::ValidPtr<Tarn::Fib::FecRouteList> IpRouteTableSm::fecRouteListIs() {
+  if (!fecRouteList_) fecRouteList_ = Quor::makePtr<Tarn::Fib::FecRouteList>();
+  return fecRouteList_;
+}
+
+Quor::ValidPtr<FibUtils::FecRouteListSm> IpRouteTableSm::fecRouteListSmIs(
+    const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
+    const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
+    const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList) {
+  fecRouteListSm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routeStatus, forwardingStatus, fecRouteList);
+  return fecRouteListSm_;
+}
+
+Quor::ValidPtr<IpRouteTableSm::QuorBacklog> IpRouteTableSm::backlogIs(const Pelt::Prefix& prefix, bool value) {
+  if (QuorBacklog* member = backlog_.member(prefix)) return member;
+  auto member = Quor::makePtr<QuorBacklog>(prefix, value);
+  backlog_.memberIs(member);
+  return member;
+}
+
+void IpRouteTableSm::backlogDelAll() {
+  for (auto it = backlog_.begin(); it; ++it) backlogDel(it);
+}
+
+Quor::ValidPtr<PrefixList> IpRouteTableSm::intfDepIs(const Pelt::IntfId& intfId) {
+  if (PrefixList* member = intfDep_.member(intfId)) return member;
+  auto member = Quor::makePtr<PrefixList>(intfId);
+  intfDep_.memberIs(member);
+  return member;
+}
+
+void IpRouteTableSm::intfDepDelAll() {
+  for (auto it = intfDep_.begin(); it; ++it) intfDepDel(it.key());
+}
+
+void IpRouteTableSm::handleRoute() {
+  IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleRoute()");
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially");
+  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
+  try {
+    Tarn::TarnMapIterator it;
+    for (auto route = routes.first(it); route; route = routes.next(route.key(), it)) {
+      QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially for " << route.key());
+      backlogIs(route.key(), true);
+    }
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    routes.corruptionDetected(e.text());
+  }
+  doSetupBacklogTimer();
+}
+
+void IpRouteTableSm::handleRoute(const Pelt::Prefix& prefix) {
+  IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleRoute(const Pelt::Prefix&)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute(const Pelt::Prefix&)" << " for " << prefix);
+  backlogIs(prefix, true);
+  doSetupBacklogTimer();
+}
+
+void IpRouteTableSm::handleFec(const Tarn::Fib::FecId& fecId) {
+  IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)" << " for " << fecId);
+  Quor::Ptr<const Tarn::Fib::FecRoutes> routes = fecRouteList_->fecRoutes(fecId);
+  if (!routes) return;
+  for (const Pelt::Prefix& prefix : routes->route()) {
+    QTRACE(agentTracer(), 9, "adding " << prefix << " to backlog for " << fecId);
+    backlogIs(prefix, true);
+  }
+  doSetupBacklogTimer();
+}
+
+void IpRouteTableSm::handleIntfStatus(Pelt::IntfId intfId) {
+  IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleIntfStatus(Pelt::IntfId)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleIntfStatus(Pelt::IntfId)" << " for " << intfId);
+  Quor::Ptr<PrefixList> waiting = intfDep_.member(intfId);
+  if (!waiting) {
+    QTRACE(agentTracer(), 8, "no prefixes for " << intfId);
+    return;
+  }
+  const bool present = intfStatusDir()->intfStatus(intfId) != nullptr;
+  for (auto it = waiting->prefixes().begin(); it; ++it) {
+    if (present) {
+      QTRACE(agentTracer(), 9, "adding " << it.key() << " to backlog due to " << intfId);
+      backlogIs(it.key(), true);
+    }
+    waiting->prefixDel(it.key());
+  }
+  if (present) doSetupBacklogTimer();
+}
+
+void IpRouteTableSm::doInstantiate() {
+  for (const auto& [type, protocol] : routeProtocols) protoMap.protocolIs(type, protocol);
+  fecRouteListSmIs(routeStatus(), forwardingStatus(), fecRouteListIs());
+}
+
+void IpRouteTableSm::doSetupBacklogTimer() {
+  if (clock_->timeMin() > std::numeric_limits<double>::max()) clock_->timeMinIs(0.0);
+}
+
+void IpRouteTableSm::doProcessIpRouteBacklog() {
+  IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
+  const double deadline = Quor::now() + backlogQuantum_;
+  double wakeup = Quor::never;
+  Backlog::Iterator it = backlog_.startAtHash(bookmark_);
+  QTRACE(agentTracer(), 2, "Starting backlog processing");
+  for (;;) {
+    // The end of the map is not the end of the pass: the members ahead of the bookmark come next.
+    if (!it) it = backlog_.begin();
+    if (!it) {
+      QTRACE(agentTracer(), 2, "Backlog processing done");
+      break;
+    }
+    const Pelt::Prefix prefix = it.key();
+    if (Quor::now() > deadline) {
+      bookmarkIs(prefix);
+      wakeup = 0.0;
+      QTRACE(agentTracer(), 2, "Backlog processing yielding");
+      break;
+    }
+    doRebuildPrefix(prefix);
+    backlogDel(it);
+    ++it;
+  }
+  clock_->timeMinIs(wakeup);
+}
+
+void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix) {
+  IpForwardMib& table = *ipForwardMib();
+  const Pelt::IpAddr dest = prefix.addr();
+  const Pelt::IpAddr mask = maskOfLength(prefix.len());
+  const IpCidrRouteTableIndex firstOfPrefix(dest, mask, 0, Pelt::IpAddr());
+  while (const IpCidrRouteTableEntry* row = table.ipCidrRouteTable().startAtMember(firstOfPrefix)) {
+    if (!(row->dest() == dest && row->mask() == mask)) break;
+    const IpCidrRouteTableIndex index = row->index();
+    table.ipCidrRouteTableDel(index);
+  }
+
+  const Tarn::Fib::Route route = readRoute(prefix);
+  if (route == Tarn::Fib::Route()) {
+    QTRACE(agentTracer(), 6, prefix << " has no route");
+    return;
+  }
+  const Tarn::Fib::Fec fec = readFec(route.fecId);
+  if (fec == Tarn::Fib::Fec()) {
+    QTRACE(agentTracer(), 6, prefix << " has a route but can't find fec " << route.fecId);
+    return;
+  }
+  if (!suitableForFib(route.routeType)) {
+    QTRACE(agentTracer(), 8, "Route is of type " << route.routeType << ", not suitable for fib");
+    return;
+  }
+  const Interface::AllIntfStatusDir& intfStatuses = *intfStatusDir();
+  // ViaIndex raises the range failure for a count beyond the 128 vias that a FEC can hold.
+  for (U32 i = 0; i < fec.viaCount; ++i) {
+    const Tarn::Fib::Via& via = fec.via(Tarn::Fib::ViaIndex(i));
+    if (!via.intfId && via.hop == Pelt::IpAddr()) continue;  // says nothing
+    const IpCidrRouteTableIndex key(dest, mask, 0, via.hop);
+    S32 ifIndex = 0;
+    if (via.intfId) {
+      Quor::Ptr<const Interface::IntfStatus> status = intfStatuses.intfStatus(via.intfId);
+      if (!status) {
+        QTRACE(agentTracer(), 8,
+               "Can't find intfStatus for " << via.intfId << ", adding " << prefix << " to intf dep list");
+        intfDepIs(via.intfId)->prefixIs(prefix, true);
+        continue;
+      }
+      ifIndex = intfIfIndex(status);
+      if (ifIndex < 0) {
+        QTRACE(agentTracer(), 8, via.intfId << " has ifIndex " << ifIndex << ", skipping");
+        continue;
+      }
+    }
+    try {
+      Quor::Expect collision(Quor::nameInUseExceptionId);
+      table.ipCidrRouteTableIs(key, static_cast<U32>(ifIndex), route.metric, route.preference, route.routeType);
+    } catch (const Quor::NameInUseException&) {
+      QTRACE(agentTracer(), 8, "Route already in ipCidrRouteTable: " << key);
+    }
+  }
+}
+
+Tarn::Fib::Route IpRouteTableSm::readRoute(const Pelt::Prefix& prefix) const {
+  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
+  try {
+    return routes.lookup(prefix).value();
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    routes.corruptionDetected(e.text());
+    return Tarn::Fib::Route();
+  }
+}
+
+Tarn::Fib::Fec IpRouteTableSm::readFec(Tarn::Fib::FecId fecId) const {
+  const Tarn::Fib::ForwardingStatus::FecMap& fecs = forwardingStatus()->fec();
+  try {
+    return fecs.lookup(fecId).value();
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    fecs.corruptionDetected(e.text());
+    return Tarn::Fib::Fec();
+  }
+}
+
+void IpRouteTableSm::quorZombieNested(bool flag) {
+  for (Quor::Reactor* input : std::initializer_list<Quor::Reactor*>{ipForwardMib_.ptr(), intfStatusDir_.ptr(),
+                                                                     routeStatus_.ptr(), forwardingStatus_.ptr(),
+                                                                     clock_.ptr()})
+    if (input) input->quorDoZombieReactors(flag);
+}
+
+void IpRouteTableSm::QuorIntfStatusDir::onIntfStatus(const Pelt::IntfId& intfId) {
+  if (ipRouteTableSm_) ipRouteTableSm_->handleIntfStatus(intfId);
+}
+
+void IpRouteTableSm::QuorRouteStatus::onRoute(const Pelt::Prefix& prefix) {
+  if (ipRouteTableSm_) ipRouteTableSm_->handleRoute(prefix);
+}
+
+void IpRouteTableSm::QuorForwardingStatus::onFec(const Tarn::Fib::FecId& fecId) {
+  if (ipRouteTableSm_) ipRouteTableSm_->handleFec(fecId);
+}
+
+void IpRouteTableSm::QuorClock::onTime() {
+  if (ipRouteTableSm_) ipRouteTableSm_->doProcessIpRouteBacklog();
+}
+
+void IpRouteTableSm::QuorClock::onNotifierIs() {
+  if (ipRouteTableSm_) ipRouteTableSm_->doProcessIpRouteBacklog();
+}
+
+}  // namespace IpSnmp

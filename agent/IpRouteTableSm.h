@@ -1,0 +1,178 @@
+#pragma once
+// IpRouteTableSm keeps one VRF's ipCidrRouteTable (its IpForwardMib) in step with that VRF's route
+// and forwarding tables in shared memory, without ever holding up the event loop.
+//
+// It works in two halves. The intake (the reactors on the route table, the forwarding table and the
+// interface directory) only marks prefixes in the backlog, a set, and arms the clock; it touches no
+// row. The pass, doProcessIpRouteBacklog(), runs from the clock: it takes prefixes out of the backlog
+// in hash order, starting at the bookmark and wrapping round, deletes every row of each and builds
+// them again from the route and its FEC, one row per via. Before each prefix it looks at the time and
+// yields once backlogQuantum has gone by, leaving the bookmark on the next prefix and the clock armed
+// for the next opportunity; a prefix is never left half rebuilt. Addition, change and deletion are
+// one path, so the intake never needs to know what changed. A FEC change reaches its routes through
+// fecRouteList, which FibUtils::FecRouteListSm keeps as the reverse of the route table.
+//
+// Deliberate, and relied on (each is a tested behaviour):
+// - there is no periodic rescan: a changed interface index, or a status that goes away, leaves rows
+//   already made as they are;
+// - a via on an interface without status is skipped and its prefix waits in intfDep for that
+//   interface; a via whose interface has a negative index is skipped and waits for nothing;
+// - handleIntfStatus empties the interface's list in every case but marks its prefixes only when the
+//   status exists: a prefix whose interface went away is revisited only if something else marks it;
+// - two vias with one next hop on interfaces of different index collide on the row key: the first
+//   in FEC order keeps the row and the collision is traced;
+// - route types 0 to 3 make no rows; a FEC of more than 128 vias is a range failure that leaves the
+//   pass with the prefix still in the backlog and the clock idle.
+#include "agent/PrefixList.h"
+#include "agent/QuorOutputTable.h"
+#include "model/IpForwardMib.h"
+#include "platform/morvane/IntfStatus.h"
+#include "platform/quor/Clock.h"
+#include "platform/tarn/FecRouteListSm.h"
+
+namespace IpSnmp {
+
+class IpRouteTableSm : public Quor::Reactor {
+ public:
+  template <class Notifiee>
+  class QuorInput;
+  class QuorIntfStatusDir;
+  class QuorRouteStatus;
+  class QuorForwardingStatus;
+  class QuorClock;
+  using QuorIpForwardMib = QuorOutputTable<IpForwardMib>;
+  // The backlog is a set of prefixes under the prefix hash, as a PrefixList is.
+  using QuorBacklog = PrefixList::QuorPrefix;
+  using Backlog = PrefixList::Prefixes;
+  using IntfDep = Quor::HashMap<PrefixList, Pelt::IntfId>;
+
+  static constexpr double defaultBacklogQuantum = 0.01;
+
+  // Makes a reactor for every non-null input, then marks every route present. All five are read
+  // without a test, so all five must be given.
+  IpRouteTableSm(const Quor::Ptr<IpForwardMib>& ipForwardMib,
+                 const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
+                 const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
+                 const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
+                 const Quor::Ptr<const Quor::Clock>& clock);
+  // Leaves the rows of ipForwardMib in place.
+  ~IpRouteTableSm() override;
+
+  Quor::Ptr<IpForwardMib> ipForwardMib() const;
+  Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir() const;
+  Quor::Ptr<const Tarn::Fib::RouteStatus> routeStatus() const;
+  Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus() const;
+  Quor::Ptr<const Quor::Clock> clock() const;
+  // The clock reactor, whose timeMin tells the state: +infinity idle, 0.0 scheduled.
+  QuorClock* quorClock() const noexcept { return clock_.ptr(); }
+
+  const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList() const noexcept { return fecRouteList_; }
+  Quor::ValidPtr<Tarn::Fib::FecRouteList> fecRouteListIs();
+  const Quor::Ptr<FibUtils::FecRouteListSm>& fecRouteListSm() const noexcept { return fecRouteListSm_; }
+  Quor::ValidPtr<FibUtils::FecRouteListSm> fecRouteListSmIs(
+      const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
+      const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
+      const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList);
+
+  const Backlog& backlog() const noexcept { return backlog_; }
+  QuorBacklog* backlog(const Pelt::Prefix& prefix) const { return backlog_.member(prefix); }
+  // Marks the prefix; a prefix already marked stays as it is.
+  Quor::ValidPtr<QuorBacklog> backlogIs(const Pelt::Prefix& prefix, bool value);
+  Quor::Ptr<QuorBacklog> backlogDel(const Pelt::Prefix& prefix) { return backlog_.deleteMember(prefix); }
+  Quor::Ptr<QuorBacklog> backlogDel(const Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
+  void backlogDelAll();
+
+  const IntfDep& intfDep() const noexcept { return intfDep_; }
+  PrefixList* intfDep(const Pelt::IntfId& intfId) const { return intfDep_.member(intfId); }
+  // The list of the prefixes that wait for `intfId`, made empty when absent.
+  Quor::ValidPtr<PrefixList> intfDepIs(const Pelt::IntfId& intfId);
+  Quor::Ptr<PrefixList> intfDepDel(const Pelt::IntfId& intfId) { return intfDep_.deleteMember(intfId); }
+  void intfDepDelAll();
+
+  const Pelt::Prefix& bookmark() const noexcept { return bookmark_; }
+  void bookmarkIs(const Pelt::Prefix& prefix) noexcept { bookmark_ = prefix; }
+  double backlogQuantum() const noexcept { return backlogQuantum_; }
+  void backlogQuantumIs(double seconds) noexcept { backlogQuantum_ = seconds; }
+
+  // Intake: each marks prefixes and arms the clock.
+  void handleRoute();
+  void handleRoute(const Pelt::Prefix& prefix);
+  void handleFec(const Tarn::Fib::FecId& fecId);
+  void handleIntfStatus(Pelt::IntfId intfId);
+
+  // Fills protoMap and makes the FEC-to-routes list with its machine.
+  void doInstantiate();
+  // Asks the clock for a pass at its next opportunity unless one is pending already.
+  void doSetupBacklogTimer();
+  // One pass over the backlog, bounded by backlogQuantum.
+  void doProcessIpRouteBacklog();
+
+ protected:
+  void quorZombieNested(bool flag) override;
+
+ private:
+  // Deletes every row of `prefix` and makes one per usable via of its route's FEC.
+  void doRebuildPrefix(const Pelt::Prefix& prefix);
+  Tarn::Fib::Route readRoute(const Pelt::Prefix& prefix) const;
+  Tarn::Fib::Fec readFec(Tarn::Fib::FecId fecId) const;
+
+  Quor::Ptr<QuorIpForwardMib> ipForwardMib_;
+  Quor::Ptr<QuorIntfStatusDir> intfStatusDir_;
+  Quor::Ptr<QuorRouteStatus> routeStatus_;
+  Quor::Ptr<QuorForwardingStatus> forwardingStatus_;
+  Quor::Ptr<QuorClock> clock_;
+  Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList_;
+  Quor::Ptr<FibUtils::FecRouteListSm> fecRouteListSm_;
+  Backlog backlog_;
+  Pelt::Prefix bookmark_;
+  double backlogQuantum_ = defaultBacklogQuantum;
+  IntfDep intfDep_;
+};
+
+// A reactor of the machine on one of its inputs, with the plain back pointer that its handlers take
+// to the machine; the machine clears it when it goes.
+template <class Notifiee>
+class IpRouteTableSm::QuorInput : public Notifiee {
+ public:
+  explicit QuorInput(IpRouteTableSm* sm) : ipRouteTableSm_(sm) {}
+  void ipRouteTableSmIs(IpRouteTableSm* sm) noexcept { ipRouteTableSm_ = sm; }
+
+ protected:
+  IpRouteTableSm* ipRouteTableSm_;
+};
+
+class IpRouteTableSm::QuorIntfStatusDir final : public QuorInput<Interface::AllIntfStatusDir::NotifieeConst> {
+ public:
+  using QuorInput::QuorInput;
+  void onIntfStatus(const Pelt::IntfId& intfId) override;
+  // Binding is no reason to scan: only notifications by interface count.
+  void onIntfStatusquorImmediate() override {}
+};
+
+class IpRouteTableSm::QuorRouteStatus final : public QuorInput<Tarn::Fib::RouteStatus::NotifieeConst> {
+ public:
+  using QuorInput::QuorInput;
+  void onRoute(const Pelt::Prefix& prefix) override;
+  // The constructor's pass reads the table; a mount is no reason to scan it again here.
+  void onRoutequorImmediate() override {}
+};
+
+class IpRouteTableSm::QuorForwardingStatus final : public QuorInput<Tarn::Fib::ForwardingStatus::NotifieeConst> {
+ public:
+  using QuorInput::QuorInput;
+  void onFec(const Tarn::Fib::FecId& fecId) override;
+  void onFecquorImmediate() override {}
+};
+
+class IpRouteTableSm::QuorClock final : public QuorInput<Quor::Clock::NotifieeConst> {
+ public:
+  using QuorInput::QuorInput;
+  void onTime() override;
+
+ protected:
+  // A clock bound after construction runs a pass at once; during construction the back pointer is
+  // not set yet, and the pass waits for the clock.
+  void onNotifierIs() override;
+};
+
+}  // namespace IpSnmp
