@@ -1,0 +1,142 @@
+#include "sources/linux/RouteTables.h"
+
+#include <algorithm>
+
+#include "platform/quor/Exception.h"
+#include "platform/tarn/Mount.h"
+
+namespace Sources::Linux {
+
+namespace {
+
+const Quor::Tracer tracer("Linux", "RouteTables");
+
+}  // namespace
+
+bool RouteTables::ViaOrder::operator()(const FecKey& a, const FecKey& b) const noexcept {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                      [](const Tarn::Fib::Via& x, const Tarn::Fib::Via& y) {
+                                        if (x.hop != y.hop) return x.hop < y.hop;
+                                        return x.intfId < y.intfId;
+                                      });
+}
+
+RouteTables::RouteTables(const std::string& root, const L3::VrfName& vrf)
+    : fecPath_(root + "/" + Tarn::Fib::forwardingPathOf(vrf) + "/fec"),
+      routeTable_(root + "/" + Tarn::Fib::routePathOf(vrf) + "/route", leastRoutes) {
+  using Tarn::Fib::FecCodec;
+  try {
+    if (auto reader = Tarn::TableReader::open(fecPath_, FecCodec::type, FecCodec::keySize, sizeof(Tarn::Fib::FecRecord))) {
+      maxFecs_ = std::max(maxFecs_, reader->geometry().maxMembers);
+      Tarn::Fib::FecRecord record;
+      for (U32 slot = reader->nextOccupied(0, &record); slot < reader->capacity();
+           slot = reader->nextOccupied(slot + 1, &record))
+        staleFecs_.insert(record.fecId);
+    }
+  } catch (const Tarn::CorruptionDetectedException&) {
+    staleFecs_.clear();  // the writer builds a fresh file
+  }
+  maxChunks_ = std::max(maxChunks_, existingMaxMembers(FecCodec::chunkFileOf(fecPath_), FecCodec::chunkType,
+                                                       FecCodec::chunkKeySize, sizeof(Tarn::Fib::FecChunkRecord)));
+  fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
+  if (!staleFecs_.empty()) nextFecId_ = *staleFecs_.rbegin() + 1;
+  routeTable_.forEach([this](const Tarn::Fib::Route& route) { routes_[route.prefix] = Published{route, std::nullopt}; });
+}
+
+void RouteTables::routeIs(const Pelt::Prefix& prefix, const std::optional<WantedRoute>& wanted) {
+  auto it = routes_.find(prefix);
+  if (!wanted) {
+    if (it == routes_.end()) return;
+    routeTable_.erase(prefix);
+    std::optional<FecKey> fec = std::move(it->second.fec);
+    routes_.erase(it);
+    if (fec) release(*fec);
+    return;
+  }
+  Tarn::Fib::Route route = wanted->route;
+  route.prefix = prefix;
+  if (it != routes_.end() && it->second.fec == wanted->vias) {
+    route.fecId = fecs_.at(wanted->vias).id;
+    if (route == it->second.route) return;
+    routeTable_.put(route);
+    it->second.route = route;
+    return;
+  }
+  route.fecId = acquire(wanted->vias);
+  routeTable_.put(route);
+  std::optional<FecKey> old;
+  if (it != routes_.end()) old = std::move(it->second.fec);
+  routes_[prefix] = Published{route, wanted->vias};
+  if (old) release(*old);
+}
+
+std::vector<Pelt::Prefix> RouteTables::prefixes() const {
+  std::vector<Pelt::Prefix> all;
+  all.reserve(routes_.size());
+  for (const auto& entry : routes_) all.push_back(entry.first);
+  return all;
+}
+
+void RouteTables::sweepStaleFecs() {
+  for (U64 id : staleFecs_) fecTable_->erase(Tarn::Fib::FecId(id));
+  staleFecs_.clear();
+}
+
+void RouteTables::commit() {
+  fecTable_->commit();
+  routeTable_.commit();
+}
+
+Tarn::Fib::FecId RouteTables::acquire(const FecKey& vias) {
+  auto [it, made] = fecs_.try_emplace(vias);
+  if (made) {
+    it->second.id = Tarn::Fib::FecId(nextFecId_++);
+    Tarn::Fib::Fec fec;
+    fec.fecId = it->second.id;
+    for (const Tarn::Fib::Via& via : vias) fec.viaAdd(via);
+    try {
+      putFec(fec);
+    } catch (...) {
+      fecs_.erase(it);
+      throw;
+    }
+  }
+  ++it->second.users;
+  return it->second.id;
+}
+
+void RouteTables::release(const FecKey& vias) {
+  auto it = fecs_.find(vias);
+  if (it == fecs_.end() || --it->second.users > 0) return;
+  fecTable_->erase(it->second.id);
+  fecs_.erase(it);
+}
+
+void RouteTables::putFec(const Tarn::Fib::Fec& fec) {
+  // A FEC being rewritten holds its old and its new chunks for a moment: 8 to spare.
+  const U32 chunksNeeded = fecTable_->chunks() + Tarn::Fib::chunksFor(fec.viaCount) + 8;
+  if (fecTable_->members() + 1 >= maxFecs_ || chunksNeeded > maxChunks_) {
+    while (fecTable_->members() + 1 >= maxFecs_) maxFecs_ *= 2;
+    while (chunksNeeded > maxChunks_) maxChunks_ *= 2;
+    growFecs();
+  }
+  fecTable_->put(fec);
+}
+
+void RouteTables::growFecs() {
+  fecTable_.reset();
+  // Other sizes make a fresh pair of files, renamed into place: every live FEC is written again. The
+  // routes of a previous writer not yet rewritten miss their FEC until they are.
+  fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
+  staleFecs_.clear();
+  for (const auto& [vias, use] : fecs_) {
+    if (use.users == 0) continue;  // the one being made, written by the caller
+    Tarn::Fib::Fec fec;
+    fec.fecId = use.id;
+    for (const Tarn::Fib::Via& via : vias) fec.viaAdd(via);
+    fecTable_->put(fec);
+  }
+  QTRACE(tracer, 1, fecPath_ << " grown to " << maxFecs_ << " FECs and " << maxChunks_ << " chunks");
+}
+
+}  // namespace Sources::Linux

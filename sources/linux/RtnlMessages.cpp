@@ -1,0 +1,152 @@
+#include "sources/linux/RtnlMessages.h"
+
+#include <libmnl/libmnl.h>
+#include <linux/if_addr.h>
+#include <linux/if_link.h>
+#include <linux/neighbour.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
+
+#include <cstring>
+
+namespace Sources::Linux {
+
+namespace {
+
+// The attributes of one level, indexed by type; types beyond `Max` are ignored.
+template <int Max>
+struct Attributes {
+  std::array<const nlattr*, Max + 1> at{};
+
+  static int collect(const nlattr* attr, void* data) {
+    auto* self = static_cast<Attributes*>(data);
+    int type = mnl_attr_get_type(attr);
+    if (type <= Max) self->at[static_cast<std::size_t>(type)] = attr;
+    return MNL_CB_OK;
+  }
+  bool parse(const nlmsghdr& message, std::size_t headerSize) {
+    return mnl_attr_parse(&message, static_cast<unsigned>(headerSize), collect, this) >= 0;
+  }
+  bool parseNested(const nlattr* nest) { return mnl_attr_parse_nested(nest, collect, this) >= 0; }
+  bool parsePayload(const void* payload, std::size_t length) {
+    return mnl_attr_parse_payload(payload, length, collect, this) >= 0;
+  }
+  const nlattr* operator[](int type) const { return at[static_cast<std::size_t>(type)]; }
+};
+
+template <class Header>
+const Header* headerOf(const nlmsghdr& message) {
+  if (message.nlmsg_len < mnl_nlmsg_size(sizeof(Header))) return nullptr;
+  return static_cast<const Header*>(mnl_nlmsg_get_payload(&message));
+}
+
+// A payload of exactly `size` bytes, or null.
+const void* payloadOf(const nlattr* attr, std::size_t size) {
+  if (!attr || mnl_attr_get_payload_len(attr) != size) return nullptr;
+  return mnl_attr_get_payload(attr);
+}
+
+std::optional<Pelt::IpAddr> ipv4Of(const nlattr* attr) {
+  const void* bytes = payloadOf(attr, 4);
+  if (!bytes) return std::nullopt;
+  U32 value;
+  std::memcpy(&value, bytes, 4);
+  return Pelt::IpAddr::fromNetworkOrder(value);
+}
+
+}  // namespace
+
+std::optional<KernelLink> decodeLink(const nlmsghdr& message) {
+  if (message.nlmsg_type != RTM_NEWLINK && message.nlmsg_type != RTM_DELLINK) return std::nullopt;
+  const auto* info = headerOf<ifinfomsg>(message);
+  Attributes<IFLA_MAX> attrs;
+  if (!info || !attrs.parse(message, sizeof *info) || !attrs[IFLA_IFNAME]) return std::nullopt;
+  if (mnl_attr_validate(attrs[IFLA_IFNAME], MNL_TYPE_NUL_STRING) < 0) return std::nullopt;
+  KernelLink link{info->ifi_index, mnl_attr_get_str(attrs[IFLA_IFNAME]), {}, info->ifi_type, info->ifi_flags};
+  Attributes<IFLA_INFO_MAX> linkInfo;
+  if (attrs[IFLA_LINKINFO] && linkInfo.parseNested(attrs[IFLA_LINKINFO]) && linkInfo[IFLA_INFO_KIND] &&
+      mnl_attr_validate(linkInfo[IFLA_INFO_KIND], MNL_TYPE_STRING) >= 0)
+    link.kind.assign(static_cast<const char*>(mnl_attr_get_payload(linkInfo[IFLA_INFO_KIND])),
+                     ::strnlen(static_cast<const char*>(mnl_attr_get_payload(linkInfo[IFLA_INFO_KIND])),
+                               mnl_attr_get_payload_len(linkInfo[IFLA_INFO_KIND])));
+  return link;
+}
+
+std::optional<KernelAddr> decodeAddr(const nlmsghdr& message) {
+  if (message.nlmsg_type != RTM_NEWADDR && message.nlmsg_type != RTM_DELADDR) return std::nullopt;
+  const auto* ifa = headerOf<ifaddrmsg>(message);
+  Attributes<IFA_MAX> attrs;
+  if (!ifa || !attrs.parse(message, sizeof *ifa)) return std::nullopt;
+  const std::size_t size = ifa->ifa_family == AF_INET ? 4 : ifa->ifa_family == AF_INET6 ? 16 : 0;
+  // For a point-to-point link IFA_ADDRESS is the peer's and IFA_LOCAL our own; otherwise both are
+  // our own, or only IFA_ADDRESS is there (IPv6).
+  const void* bytes = payloadOf(attrs[IFA_LOCAL], size);
+  if (!bytes) bytes = payloadOf(attrs[IFA_ADDRESS], size);
+  if (size == 0 || !bytes) return std::nullopt;
+  KernelAddr addr;
+  addr.ifIndex = static_cast<S32>(ifa->ifa_index);
+  addr.family = ifa->ifa_family;
+  std::memcpy(addr.bytes.data(), bytes, size);
+  addr.prefixLen = ifa->ifa_prefixlen;
+  addr.scope = ifa->ifa_scope;
+  // The 8-bit field cannot hold the newer flags; IFA_FLAGS, when present, holds them all.
+  const void* flags = payloadOf(attrs[IFA_FLAGS], sizeof(U32));
+  addr.flags = ifa->ifa_flags;
+  if (flags) std::memcpy(&addr.flags, flags, sizeof(U32));
+  return addr;
+}
+
+std::optional<KernelRoute> decodeRoute(const nlmsghdr& message) {
+  if (message.nlmsg_type != RTM_NEWROUTE && message.nlmsg_type != RTM_DELROUTE) return std::nullopt;
+  const auto* rtm = headerOf<rtmsg>(message);
+  Attributes<RTA_MAX> attrs;
+  if (!rtm || rtm->rtm_family != AF_INET || rtm->rtm_dst_len > 32 || !attrs.parse(message, sizeof *rtm))
+    return std::nullopt;
+  KernelRoute route;
+  Pelt::IpAddr dst;
+  if (attrs[RTA_DST]) {
+    auto parsed = ipv4Of(attrs[RTA_DST]);
+    if (!parsed) return std::nullopt;
+    dst = *parsed;
+  }
+  route.prefix = Pelt::Prefix(dst, rtm->rtm_dst_len);
+  route.tos = rtm->rtm_tos;
+  route.table = rtm->rtm_table;
+  if (const void* table = payloadOf(attrs[RTA_TABLE], sizeof(U32))) std::memcpy(&route.table, table, sizeof(U32));
+  if (const void* priority = payloadOf(attrs[RTA_PRIORITY], sizeof(U32)))
+    std::memcpy(&route.priority, priority, sizeof(U32));
+  route.protocol = rtm->rtm_protocol;
+  route.type = rtm->rtm_type;
+
+  if (const nlattr* multipath = attrs[RTA_MULTIPATH]) {
+    const auto* hop = static_cast<const rtnexthop*>(mnl_attr_get_payload(multipath));
+    int left = static_cast<int>(mnl_attr_get_payload_len(multipath));
+    for (; RTNH_OK(hop, left); left -= NLMSG_ALIGN(hop->rtnh_len), hop = RTNH_NEXT(hop)) {
+      Attributes<RTA_MAX> hopAttrs;
+      if (!hopAttrs.parsePayload(RTNH_DATA(hop), hop->rtnh_len - sizeof *hop)) return std::nullopt;
+      if (hopAttrs[RTA_VIA]) continue;
+      route.nextHops.push_back({ipv4Of(hopAttrs[RTA_GATEWAY]).value_or(Pelt::IpAddr()), hop->rtnh_ifindex});
+    }
+  } else if (!attrs[RTA_VIA] && (attrs[RTA_OIF] || attrs[RTA_GATEWAY])) {
+    S32 oif = 0;
+    if (const void* ifIndex = payloadOf(attrs[RTA_OIF], sizeof(U32))) std::memcpy(&oif, ifIndex, sizeof(U32));
+    route.nextHops.push_back({ipv4Of(attrs[RTA_GATEWAY]).value_or(Pelt::IpAddr()), oif});
+  }
+  return route;
+}
+
+std::optional<KernelNeigh> decodeNeigh(const nlmsghdr& message) {
+  if (message.nlmsg_type != RTM_NEWNEIGH && message.nlmsg_type != RTM_DELNEIGH) return std::nullopt;
+  const auto* ndm = headerOf<ndmsg>(message);
+  Attributes<NDA_MAX> attrs;
+  if (!ndm || ndm->ndm_family != AF_INET || !attrs.parse(message, sizeof *ndm)) return std::nullopt;
+  auto dst = ipv4Of(attrs[NDA_DST]);
+  if (!dst) return std::nullopt;
+  KernelNeigh neigh{ndm->ndm_ifindex, *dst, std::nullopt, ndm->ndm_state};
+  if (const auto* mac = static_cast<const U8*>(payloadOf(attrs[NDA_LLADDR], 6)))
+    neigh.lladdr = Pelt::EthAddr(static_cast<U16>(mac[0] << 8 | mac[1]), static_cast<U16>(mac[2] << 8 | mac[3]),
+                                 static_cast<U16>(mac[4] << 8 | mac[5]));
+  return neigh;
+}
+
+}  // namespace Sources::Linux

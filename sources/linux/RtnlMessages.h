@@ -1,0 +1,67 @@
+#pragma once
+// The kernel's objects as rtnetlink messages carry them, decoded with libmnl: links, addresses,
+// IPv4 routes and IPv4 neighbours. A decoder gives nothing for a message that is not of its kind or
+// is malformed; whether the object came or went is the message's type (RTM_NEW... or RTM_DEL...).
+#include <linux/netlink.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/pelt/EthAddr.h"
+#include "platform/pelt/Prefix.h"
+
+namespace Sources::Linux {
+
+struct KernelLink {
+  S32 ifIndex = 0;
+  std::string name;
+  std::string kind;  // IFLA_INFO_KIND ("veth", "vlan", "bond", ...), empty for a physical device
+  U16 type = 0;      // ARPHRD_*
+  U32 flags = 0;     // IFF_*
+};
+std::optional<KernelLink> decodeLink(const nlmsghdr& message);
+
+struct KernelAddr {
+  S32 ifIndex = 0;
+  U8 family = 0;  // AF_INET or AF_INET6
+  std::array<U8, 16> bytes{};  // the first 4 for IPv4
+  U8 prefixLen = 0;
+  U8 scope = 0;   // RT_SCOPE_*
+  U32 flags = 0;  // IFA_F_*
+};
+std::optional<KernelAddr> decodeAddr(const nlmsghdr& message);
+
+struct KernelNextHop {
+  Pelt::IpAddr gateway;  // 0.0.0.0 for a directly connected next hop
+  S32 ifIndex = 0;       // 0 when the kernel names no device
+  friend auto operator<=>(const KernelNextHop& a, const KernelNextHop& b) noexcept {
+    if (auto c = a.gateway.hostOrder() <=> b.gateway.hostOrder(); c != 0) return c;
+    return a.ifIndex <=> b.ifIndex;
+  }
+  friend bool operator==(const KernelNextHop&, const KernelNextHop&) = default;
+};
+
+struct KernelRoute {
+  Pelt::Prefix prefix;
+  U8 tos = 0;
+  U32 table = 0;     // RT_TABLE_*
+  U32 priority = 0;  // the metric
+  U8 protocol = 0;   // RTPROT_*
+  U8 type = 0;       // RTN_*
+  std::vector<KernelNextHop> nextHops;  // one per path; next hops by IPv6 gateway are left out
+};
+// IPv4 routes only.
+std::optional<KernelRoute> decodeRoute(const nlmsghdr& message);
+
+struct KernelNeigh {
+  S32 ifIndex = 0;
+  Pelt::IpAddr addr;
+  std::optional<Pelt::EthAddr> lladdr;  // absent unless the entry has a 6-byte hardware address
+  U16 state = 0;                        // NUD_*
+};
+// IPv4 neighbours only.
+std::optional<KernelNeigh> decodeNeigh(const nlmsghdr& message);
+
+}  // namespace Sources::Linux

@@ -1,0 +1,196 @@
+// The table side of the Linux source against a kernel: routes (ECMP, connected, static, dropped),
+// FECs, neighbours and VRF ids, compared with what ip(8) shows; and the writer process kept running
+// by the agent's source.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "platform/morvane/Store.h"
+#include "sources/linux/LinuxSource.h"
+#include "sources/linux/TableMirror.h"
+#include "tests/unit/linux/KernelFixture.h"
+
+namespace {
+
+using LinuxTest::lines;
+using LinuxTest::must;
+using LinuxTest::runUntil;
+
+std::string viasText(std::vector<std::string> vias) {
+  std::sort(vias.begin(), vias.end());
+  std::string text;
+  for (const std::string& via : vias) text += (text.empty() ? "" : ",") + via;
+  return text;
+}
+
+class LinuxTables : public LinuxTest::KernelTest {
+ protected:
+  // The routes of namespace `ns` ("" for this one) as ip shows them, one line each:
+  // "<prefix> <metric> <route type> <hop>@<interface>,...", interfaces named as in the store.
+  std::set<std::string> routesOfIp(const std::string& ns, const std::string& vrf) {
+    const std::string ip = ns.empty() ? "ip" : "ip -n " + ns;
+    const std::string qualifier = vrf == "default" ? "" : vrf + ":";
+    std::set<std::string> routes;
+    for (const std::string& line :
+         lines(ip + " -j route show | jq -r '.[] | \"\\(.dst) \\(.metric // 0) \\(.protocol // \"boot\") "
+                    "\\(.type // \"unicast\") \\([(.nexthops // [.])[] | select(.dev) | "
+                    "\"\\(.gateway // \"0.0.0.0\")@\\(.dev)\"] | join(\",\"))\"'")) {
+      std::istringstream fields(line);
+      std::string dst, metric, protocol, type, hops;
+      fields >> dst >> metric >> protocol >> type >> hops;
+      if (dst == "default") dst = "0.0.0.0/0";
+      if (dst.find('/') == std::string::npos) dst += "/32";
+      int routeType = type == "blackhole" || type == "unreachable" || type == "prohibit" ? 3
+                      : protocol == "kernel"                                           ? 8
+                      : protocol == "boot" || protocol == "static"                     ? 4
+                                                                                       : 5;
+      std::vector<std::string> vias;
+      std::istringstream split(hops);
+      for (std::string via; std::getline(split, via, ',');) vias.push_back(via.replace(via.find('@') + 1, 0, qualifier));
+      routes.insert(dst + " " + metric + " " + std::to_string(routeType) + " " + viasText(vias));
+    }
+    return routes;
+  }
+  // The same from the tables of `vrf`.
+  std::set<std::string> routesOfTables(const std::string& vrf) {
+    auto fecs = LinuxTest::readFecs(tableRoot, vrf);
+    std::set<std::string> routes;
+    for (const auto& [prefix, route] : LinuxTest::readRoutes(tableRoot, vrf)) {
+      std::ostringstream text;
+      text << prefix << " " << route.metric.value() << " " << static_cast<int>(route.routeType) << " ";
+      std::vector<std::string> vias;
+      auto fec = fecs.find(route.fecId.value());
+      if (fec == fecs.end()) {
+        vias.push_back("<no FEC " + std::to_string(route.fecId.value()) + ">");
+      } else {
+        for (U32 i = 0; i < fec->second.viaCount; ++i) {
+          std::ostringstream via;
+          via << fec->second.vias[i].hop << "@" << fec->second.vias[i].intfId.stringValue().view();
+          vias.push_back(via.str());
+        }
+      }
+      routes.insert(text.str() + viasText(vias));
+    }
+    return routes;
+  }
+  // Neighbours with a hardware address, "<interface> <address> <mac> <static>", as ip shows them.
+  std::set<std::string> neighboursOfIp(const std::string& ns, const std::string& vrf) {
+    const std::string qualifier = vrf == "default" ? "" : vrf + ":";
+    std::set<std::string> all;
+    for (const std::string& line :
+         lines("ip -n " + ns + " -j neigh show | jq -r '.[] | select(.lladdr) | select(.dst | contains(\":\") | not) | "
+                               "\"\\(.dev) \\(.dst) \\(.lladdr) \\(.state | index(\"PERMANENT\") != null)\"'"))
+      all.insert(qualifier + line);
+    return all;
+  }
+  std::set<std::string> neighboursOfTables(U32 vrfId) {
+    std::set<std::string> all;
+    for (const Arp::Table::ArpEntry& e : LinuxTest::readArp(tableRoot)) {
+      if (e.vrfId.value() != vrfId) continue;
+      std::ostringstream text;
+      text << e.intfId.stringValue().view() << " " << e.addr << " " << e.ethAddr << " " << (e.isStatic ? "true" : "false");
+      all.insert(text.str());
+    }
+    return all;
+  }
+
+  // A VRF with two links to this namespace, addresses on both sides, and routes of every kind.
+  void makeRoutedVrf(const std::string& tag) {
+    makeVrf(tag);
+    const std::string ns = "ip -n " + netns(tag) + " ";
+    for (int i : {0, 1}) {
+      const std::string here = "lt" + tag + std::to_string(2 * i), there = "lt" + tag + std::to_string(2 * i + 1);
+      const std::string subnet = "10.6" + std::to_string(i) + ".0.";
+      must("ip link add " + here + " type veth peer name " + there);
+      must("ip link set " + there + " netns " + netns(tag));
+      must("ip addr add " + subnet + "1/24 dev " + here);
+      must("ip link set " + here + " up");
+      must(ns + "addr add " + subnet + "2/24 dev " + there);
+      must(ns + "link set " + there + " up");
+    }
+    const std::string a = "lt" + tag + "1", b = "lt" + tag + "3";
+    must(ns + "route add 10.70.0.0/16 nexthop via 10.60.0.1 dev " + a + " nexthop via 10.61.0.1 dev " + b);
+    must(ns + "route add 10.71.0.0/16 via 10.60.0.1 metric 30");
+    must(ns + "route add 10.72.0.0/16 via 10.60.0.1 metric 30 proto static");
+    must(ns + "route add blackhole 10.73.0.0/16");
+    must(ns + "route add 10.74.0.5 dev " + a);
+    must(ns + "route add default via 10.61.0.1");
+    must(ns + "neigh add 10.60.0.7 lladdr 02:00:00:00:00:07 dev " + a + " nud permanent");
+    must(ns + "neigh add 10.61.0.8 lladdr 02:00:00:00:00:08 dev " + b + " nud stale");
+  }
+};
+
+TEST_F(LinuxTables, RoutesAndNeighboursEqualWhatIpShows) {
+  makeRoutedVrf("a");
+  const std::string ns = netns("a"), vrf = this->vrf("a");
+  must("ip route add 10.80.0.0/16 via 10.60.0.2");
+  Sources::Linux::TableMirror mirror(tableRoot, "/var/run/netns");
+  ASSERT_TRUE(runUntil([&] { return mirror.initialized(); }));
+
+  EXPECT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
+  EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
+  EXPECT_EQ(routesOfTables("default"), routesOfIp("", "default"));
+  const auto routes = LinuxTest::readRoutes(tableRoot, vrf);
+  EXPECT_EQ(routes.at(Pelt::Prefix("10.71.0.0/16")).fecId, routes.at(Pelt::Prefix("10.72.0.0/16")).fecId)
+      << "routes with the same next hops share a FEC";
+  EXPECT_EQ(routes.at(Pelt::Prefix("10.60.0.0/24")).preference.value(), 0) << "connected";
+
+  const auto ids = LinuxTest::readVrfIds(tableRoot);
+  ASSERT_TRUE(ids.count(vrf));
+  EXPECT_NE(ids.at(vrf), 0u);
+  EXPECT_EQ(neighboursOfTables(ids.at(vrf)), neighboursOfIp(ns, vrf));
+  EXPECT_EQ(neighboursOfTables(ids.at(vrf)).size(), 2u);
+
+  // The events: routes and neighbours come, change and go.
+  const std::string ip = "ip -n " + ns + " ";
+  must(ip + "route del 10.70.0.0/16");
+  must(ip + "route replace 10.71.0.0/16 via 10.61.0.1 metric 30");
+  must(ip + "route add 10.75.0.0/16 nexthop via 10.60.0.1 nexthop via 10.61.0.1");
+  must(ip + "neigh del 10.60.0.7 dev lta1");
+  must(ip + "neigh add 10.60.0.9 lladdr 02:00:00:00:00:09 dev lta1 nud permanent");
+  EXPECT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
+  EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
+  EXPECT_TRUE(runUntil([&] { return neighboursOfTables(ids.at(vrf)) == neighboursOfIp(ns, vrf); }));
+  EXPECT_EQ(neighboursOfTables(ids.at(vrf)), neighboursOfIp(ns, vrf));
+}
+
+TEST_F(LinuxTables, VrfThatGoesLeavesEmptyTablesAndNoId) {
+  Sources::Linux::TableMirror mirror(tableRoot, "/var/run/netns");
+  ASSERT_TRUE(runUntil([&] { return mirror.initialized(); }));
+  makeRoutedVrf("b");
+  const std::string vrf = this->vrf("b");
+  ASSERT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(netns("b"), vrf); }));
+  ASSERT_TRUE(runUntil([&] { return LinuxTest::readVrfIds(tableRoot).count(vrf) == 1; }));
+  const U32 id = LinuxTest::readVrfIds(tableRoot).at(vrf);
+  ASSERT_TRUE(runUntil([&] { return neighboursOfTables(id).size() == 2; }));
+
+  deleteVrf("b");
+  EXPECT_TRUE(runUntil([&] { return LinuxTest::readVrfIds(tableRoot).count(vrf) == 0; }));
+  EXPECT_TRUE(LinuxTest::readRoutes(tableRoot, vrf).empty());
+  EXPECT_TRUE(LinuxTest::readFecs(tableRoot, vrf).empty());
+  EXPECT_TRUE(neighboursOfTables(id).empty());
+}
+
+TEST_F(LinuxTables, WriterProcessIsStartedAgainAndCatchesUp) {
+  makeRoutedVrf("c");
+  const std::string ns = netns("c"), vrf = this->vrf("c");
+  Morvane::Store store = Morvane::buildStore(Quor::makePtr<Quor::Dir>(Quor::Name("test")));
+  Sources::LinuxSource source(store, Sources::LinuxSource::Options{LINUX_TABLE_WRITER});
+  ASSERT_EQ(source.start(), "");
+  ASSERT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
+
+  const int first = source.tableWriterPid();
+  ASSERT_GT(first, 0);
+  ASSERT_EQ(::kill(first, SIGKILL), 0);
+  ASSERT_TRUE(runUntil([&] { return source.tableWriterPid() == 0; }));
+  EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf)) << "the tables keep the last state written";
+  must("ip -n " + ns + " route add 10.76.0.0/16 via 10.60.0.1");
+  ASSERT_TRUE(runUntil([&] { return source.tableWriterPid() != 0; }, 5));
+  EXPECT_NE(source.tableWriterPid(), first);
+  EXPECT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
+  EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
+}
+
+}  // namespace
