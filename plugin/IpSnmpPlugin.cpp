@@ -21,8 +21,8 @@
 #include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 #include "platform/snmp/TraceToSnmpLog.h"
+#include "plugin/AgentContexts.h"
 #include "plugin/AgentStartup.h"
-#include "plugin/InterimVrfContexts.h"
 #include "sources/scenario/ScenarioSource.h"
 
 extern "C" {
@@ -39,9 +39,9 @@ struct Plugin {
   Quor::Ptr<Quor::Dir> root;
   Morvane::Store store;
   Sources::ScenarioSource scenario;
+  AgentContexts contexts;
   std::unique_ptr<AgentStartup> agent;
   Snmp::AgentLoop loop{Quor::activityManager()};
-  Quor::Ptr<InterimVrfContexts> vrfContexts;
 };
 
 std::unique_ptr<Plugin> plugin;
@@ -89,20 +89,23 @@ void init_ipsnmp() {
     if (!scenarioPath.empty())
       if (std::string error = plugin->scenario.watch(); !error.empty())
         snmp_log(LOG_ERR, "ipsnmp: edits of the scenario will not be seen: %s\n", error.c_str());
-    plugin->agent = std::make_unique<AgentStartup>(plugin->root, plugin->store);
+    // The containers exist before any registration takes its pointer; the VRF lifecycle opens the
+    // other contexts as their VRFs come up, from here on.
+    plugin->agent = std::make_unique<AgentStartup>(plugin->root, plugin->store, &plugin->contexts);
     Snmp::registerAllInContext("");
-    plugin->vrfContexts = InterimVrfContexts::newInstance(plugin->store.routingVrfConfigDir);
   } catch (const std::exception& e) {
     snmp_log(LOG_ERR, "ipsnmp: start failed: %s\n", e.what());
     deinit_ipsnmp();
     return;
   }
   snmp_log(LOG_INFO, "ipsnmp: serving the default context and %zu VRF contexts (scenario %s)\n",
-           plugin->vrfContexts->openContexts().size(), scenarioPath.empty() ? "built in" : scenarioPath.c_str());
+           plugin->agent->root->vrfRootDir()->vrfRoots().members(),
+           scenarioPath.empty() ? "built in" : scenarioPath.c_str());
 }
 
 void deinit_ipsnmp() {
-  if (plugin && plugin->vrfContexts) plugin->vrfContexts->quorDoZombieReactors(true);
+  // The machines first: the VRF lifecycle closes the VRFs' contexts as it goes.
+  if (plugin) plugin->agent.reset();
   Snmp::unregisterHandlersOfThisLibrary();
   plugin.reset();
   SnmpUtil::rootIs(nullptr);

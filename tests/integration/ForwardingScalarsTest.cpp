@@ -21,14 +21,16 @@ const std::string ipGroup = ".1.3.6.1.2.1.4";
 const Credentials publicCommunity = Credentials::v2c("public");
 const Credentials defaultContextV3 = Credentials::v3("");
 
-// A scenario of routing only: the default VRF's IPv4 and IPv6 routing, and other VRFs with their
-// IPv4 routing.
+// A scenario of routing: the default VRF's IPv4 and IPv6 routing, and other VRFs that are up, with
+// their IPv4 routing, in an initialized agent.
 std::string scenario(bool ipv4, bool ipv6, const std::map<std::string, bool>& vrfs = {}) {
   auto flag = [](bool on) { return on ? "true" : "false"; };
   std::string text = "routing:\n  ipv4: " + std::string(flag(ipv4)) + "\n  ipv6: " + flag(ipv6) + "\n";
   if (!vrfs.empty()) text += "vrfs:\n";
-  for (const auto& [vrf, on] : vrfs) text += "  " + vrf + ":\n    routing: { ipv4: " + flag(on) + " }\n";
-  return text;
+  for (const auto& [vrf, on] : vrfs)
+    text += "  " + vrf + ":\n    routing: { ipv4: " + flag(on) + " }\n    published: true\n" +
+            "    status: { state: active }\n";
+  return text + "snmp:\n  initialized: true\n";
 }
 
 // Polls `condition` until it holds or `seconds` have passed.

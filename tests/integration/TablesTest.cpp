@@ -16,7 +16,8 @@ const Credentials publicCommunity = Credentials::v2c("public");
 
 const char* const scenario =
     "routing:\n  ipv4: true\n  ipv6: false\n"
-    "vrfs:\n  red:\n    routing: { ipv4: true }\n";
+    "vrfs:\n  red:\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n"
+    "snmp:\n  initialized: true\n";
 
 bool toolsInstalled() { return ::access("/usr/sbin/snmpd", X_OK) == 0 && ::access("/usr/bin/snmpget", X_OK) == 0; }
 

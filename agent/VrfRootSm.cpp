@@ -1,0 +1,432 @@
+#include "agent/VrfRootSm.h"
+
+#include <vector>
+
+#include "agent/AgentTrace.h"
+#include "platform/tarn/Mount.h"
+
+namespace IpSnmp {
+
+namespace {
+
+// Table type of the per-VRF route and forwarding tables: shared memory.
+constexpr U32 sharedMemoryTables = 1;
+
+std::string formatted(const char* format, const Quor::Name& name) { return Quor::format(format, name.str().c_str()).str(); }
+
+template <class Reactor, class Input>
+Quor::Ptr<Reactor> reactorOn(VrfRootSm* sm, const Quor::Ptr<Input>& input) {
+  if (!input) return nullptr;
+  auto reactor = Quor::makePtr<Reactor>(sm);
+  reactor->notifierIs(input);
+  return reactor;
+}
+
+template <class Reactor>
+void zombieIs(const Quor::Ptr<Reactor>& reactor, bool flag) {
+  if (reactor) reactor->quorDoZombieReactors(flag);
+}
+
+}  // namespace
+
+VrfRootSm::VrfRootSm(const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm,
+                     const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
+                     const Quor::Ptr<const Routing::VrfConfigDir>& routingVrfConfigDir,
+                     const Quor::Ptr<const Quor::Dir>& routingVrfInfoDir, const Quor::Ptr<VrfMibsDir>& vrfMibsDir,
+                     const Quor::Ptr<VrfRootDir>& vrfRootDir,
+                     const Quor::Ptr<const Ip::AllVrfStatusLocal>& allVrfStatusLocal,
+                     const Quor::Ptr<const Ip::AllVrfConfig>& allVrfConfig,
+                     const Quor::Ptr<const Snmp::Status>& snmpStatus, const Quor::Ptr<IpVrfMib>& ipVrfMib,
+                     const Quor::Ptr<const Morvane::EntityManager>& entityManager,
+                     const Quor::Ptr<const Arp::Table::Status>& arpTarn,
+                     const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap,
+                     const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm, SnmpContexts* snmpContexts)
+    : ipAddressTableSm_(ipAddressTableSm),
+      intfStatusDir_(reactorOn<QuorIntfStatusDir>(this, intfStatusDir)),
+      routingVrfConfigDir_(reactorOn<QuorRoutingVrfConfigDir>(this, routingVrfConfigDir)),
+      routingVrfInfoDir_(reactorOn<QuorRoutingVrfInfoDir>(this, routingVrfInfoDir)),
+      vrfMibsDir_(vrfMibsDir),
+      vrfRootDir_(vrfRootDir),
+      allVrfStatusLocal_(reactorOn<QuorAllVrfStatusLocal>(this, allVrfStatusLocal)),
+      allVrfConfig_(allVrfConfig),
+      snmpStatus_(snmpStatus),
+      ipVrfMib_(ipVrfMib),
+      entityManager_(entityManager),
+      arpTarn_(reactorOn<QuorArpTarn>(this, arpTarn)),
+      arpTarnVrfIdMap_(arpTarnVrfIdMap),
+      defaultVrfArpTableSm_(defaultVrfArpTableSm),
+      snmpContexts_(snmpContexts) {
+  wired_ = true;
+  resynchroniseVrfStatusLocal();
+  snmpAgentStatus_ = reactorOn<QuorSnmpAgentStatus>(this, snmpStatus_);
+}
+
+// The reactors become zombies in the order intfStatusDir, routingVrfConfigDir, routingVrfInfoDir,
+// allVrfStatusLocal, arpTarn, arpTarnVrfNameToIdMap, the status members (each of which tears its VRF
+// down), snmpAgentStatus; then none of them reaches the machine any more.
+VrfRootSm::~VrfRootSm() {
+  quorDoZombieReactors(true);
+  if (intfStatusDir_) intfStatusDir_->vrfRootSmIs(nullptr);
+  if (routingVrfConfigDir_) routingVrfConfigDir_->vrfRootSmIs(nullptr);
+  if (routingVrfInfoDir_) routingVrfInfoDir_->vrfRootSmIs(nullptr);
+  if (allVrfStatusLocal_) allVrfStatusLocal_->vrfRootSmIs(nullptr);
+  if (arpTarn_) arpTarn_->vrfRootSmIs(nullptr);
+  if (arpTarnVrfNameToIdMap_) arpTarnVrfNameToIdMap_->vrfRootSmIs(nullptr);
+  if (snmpAgentStatus_) snmpAgentStatus_->vrfRootSmIs(nullptr);
+  for (auto it = vrfStatusLocal_.begin(); it; ++it) it->vrfRootSmIs(nullptr);
+  arpTarnVrfIdReverseMapper_ = nullptr;
+}
+
+void VrfRootSm::quorZombieNested(bool flag) {
+  zombieIs(intfStatusDir_, flag);
+  zombieIs(routingVrfConfigDir_, flag);
+  zombieIs(routingVrfInfoDir_, flag);
+  zombieIs(allVrfStatusLocal_, flag);
+  zombieIs(arpTarn_, flag);
+  zombieIs(arpTarnVrfNameToIdMap_, flag);
+  for (auto it = vrfStatusLocal_.begin(); it; ++it) it->quorDoZombieReactors(flag);
+  zombieIs(snmpAgentStatus_, flag);
+}
+
+Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap> VrfRootSm::arpTarnVrfNameToIdMap() const {
+  return arpTarnVrfNameToIdMap_ ? arpTarnVrfNameToIdMap_->notifier() : nullptr;
+}
+
+void VrfRootSm::handleInitialized(bool value) {
+  if (!value || initialized_) return;
+  initialized_ = true;
+  auto map = Quor::makePtr<Vrf::VrfIdMap::NameToIdMap>(Quor::Name("arpTarnVrfNameToIdMap"));
+  arpTarnVrfNameToIdMap_ = reactorOn<QuorArpTarnVrfNameToIdMap>(this, Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap>(map));
+  if (arpTarnVrfIdMap_) arpTarnVrfIdReverseMapper_ = Quor::makePtr<Vrf::VrfIdMap::ReverseMapper>(arpTarnVrfIdMap_, map);
+  handleVrfCreation();
+  handleIntfStatus();
+}
+
+void VrfRootSm::handleVrfCreation() {
+  if (routingVrfInfoDir_ && routingVrfInfoDir_->notifier())
+    for (const auto& [name, entity] : routingVrfInfoDir_->notifier()->entityPtrs()) handleVrfCreation(name);
+  if (routingVrfConfigDir_ && routingVrfConfigDir_->notifier())
+    for (const auto& [name, config] : routingVrfConfigDir_->notifier()->vrfConfigs()) addToVrfTable(name);
+}
+
+void VrfRootSm::handleVrfCreation(const Quor::Name& name) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleVrfCreation(Quor::Name)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::handleVrfCreation(Quor::Name)" << " for vrf " << name);
+  if (!initialized_) return;
+  if (vrfRoot_.member(name)) return;
+  if (!routingVrfInfoDir_ || !routingVrfInfoDir_->notifier() || !routingVrfInfoDir_->notifier()->entityPtr(name))
+    return;
+
+  QuorTarn::Mount mount(entityManager_, "");
+  mount.handleInitialized();
+  const std::string routePath = formatted(Tarn::Fib::vrfRoutePathFormat, name);
+  const std::string forwardingPath = formatted(Tarn::Fib::vrfForwardingPathFormat, name);
+  mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(sharedMemoryTables));
+  auto routeStatus = Quor::dynamicPtrCast<const Tarn::Fib::RouteStatus>(mount.getEntity(routePath));
+  mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo(sharedMemoryTables));
+  auto forwardingStatus = Quor::dynamicPtrCast<const Tarn::Fib::ForwardingStatus>(mount.getEntity(forwardingPath));
+
+  Quor::ValidPtr<VrfRoot> root = vrfRootDir_->vrfRootIs(name);
+  vrfRootIs(Quor::Ptr<const VrfRoot>(root.ptr()));
+  Quor::ValidPtr<VrfMibs> mibs = vrfMibsDir_->mibsIs(name);
+  Quor::ValidPtr<IpMib> ipMib = mibs->ipmibIs(name);
+  Quor::ValidPtr<IpForwardMib> ipForwardMib = mibs->ipforwardmibIs(name);
+  root->ipMibIs(ipMib);
+  root->ipForwardMibIs(ipForwardMib);
+
+  auto nameToIdMap = arpTarnVrfNameToIdMap();
+  Vrf::VrfIdMap::VrfId id = nameToIdMap ? nameToIdMap->vrfNameToId(name) : Vrf::VrfIdMap::unknownVrfId;
+  Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir = intfStatusDir_ ? intfStatusDir_->notifier() : nullptr;
+  Quor::Ptr<const Arp::Table::Status> arpTarn = arpTarn_ ? arpTarn_->notifier() : nullptr;
+  root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, id);
+  root->ipRouteTableSmIs(ipForwardMib, intfStatusDir, routeStatus, forwardingStatus, Quor::activityManager()->clock());
+
+  ipAddressTableSm_->vrfIpMibIs(ipMib);
+  ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);
+  if (snmpContexts_) snmpContexts_->contextIs(name);
+  ipAddressTableSm_->handleIntfInVrf(name);
+}
+
+void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
+  const Quor::Name name = vrf.nameValue();
+  if (!initialized_) return;
+  if (ipVrfMib_->vrfTable(Snmp::String(name))) delFromVrfTable(name);
+  if (!vrfRoot_.member(name)) return;
+
+  if (snmpContexts_) snmpContexts_->contextDel(name);
+  QuorTarn::Mount mount(entityManager_, "");
+  mount.handleInitialized();
+  mount.doUnmount(formatted(Tarn::Fib::vrfRoutePathFormat, name));
+  mount.doUnmount(formatted(Tarn::Fib::vrfForwardingPathFormat, name));
+
+  std::vector<U32> rows;
+  for (auto it = ipVrfMib_->vrfIfTable().begin(); it; ++it)
+    if (it->vrfName() == name) rows.push_back(it.key());
+  for (U32 ifIndex : rows) ipVrfMib_->vrfIfTableDel(ifIndex);
+
+  ipAddressTableSm_->vrfIpMibDel(name);
+  vrfMibsDir_->mibsDel(name);
+  vrfRootDel(name);
+  vrfRootDir_->vrfRootDel(name);
+}
+
+void VrfRootSm::addToVrfTable(const Quor::Name& name) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::addToVrfTable(Quor::Name)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::addToVrfTable(Quor::Name)" << " for vrf " << name);
+  const L3::VrfName vrf(name);
+  if (ipVrfMib_->vrfTable(Snmp::String(name))) return;
+  auto config = allVrfConfig_ ? allVrfConfig_->vrf(vrf) : nullptr;
+  if (!config) return;
+  auto status = allVrfStatusLocal_ && allVrfStatusLocal_->notifier() ? allVrfStatusLocal_->notifier()->vrf(vrf) : nullptr;
+  if (!status) return;
+  auto routing = routingVrfConfigDir_ && routingVrfConfigDir_->notifier()
+                     ? routingVrfConfigDir_->notifier()->vrfConfig(name)
+                     : nullptr;
+  if (!routing) return;
+  ipVrfMib_->vrfTableIs(Snmp::String(name), config, status)->vrfRoutingStatusIs(name, routing);
+}
+
+void VrfRootSm::delFromVrfTable(const Quor::Name& name) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::delFromVrfTable(Quor::Name)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::delFromVrfTable(Quor::Name)" << " for vrf " << name);
+  ipVrfMib_->vrfTableDel(Snmp::String(name));
+}
+
+Arp::Table::ArpEntry VrfRootSm::arpEntryOf(const Arp::Table::ArpKey& key) const {
+  const auto& table = arpTarn_->notifier()->arpEntry();
+  try {
+    return table.lookup(key).value();
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    table.corruptionDetected(e.text());
+    return Arp::Table::ArpEntry();
+  }
+}
+
+template <class Visit>
+void VrfRootSm::walkArpTarn(Visit visit) const {
+  if (!arpTarn_ || !arpTarn_->notifier()) return;
+  const auto& table = arpTarn_->notifier()->arpEntry();
+  try {
+    Tarn::TarnMapIterator it;
+    for (auto entry = table.first(it); entry.found(); entry = table.next(entry.key(), it)) visit(entry.value());
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    table.corruptionDetected(e.text());
+  }
+}
+
+void VrfRootSm::handleArpEntry(const Arp::Table::ArpKey& key) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleArpEntry(const Arp::Table::ArpKey&)");
+  QTRACE(agentTracer(), 8, "handleArpEntry" << " " << key);
+  Quor::String8 vrfName;
+  Quor::Ptr<ArpTableSm> sm = arpTableSmOf(key, &vrfName);
+  if (!sm) return;
+  const Arp::Table::ArpEntry entry = arpEntryOf(key);
+  if (entry == Arp::Table::ArpEntry()) {
+    QTRACE(agentTracer(), 8, "Arp entry " << key << " (vrf '" << vrfName << "') deleted from arp tarn");
+    sm->delArpEntry(key);
+  } else {
+    QTRACE(agentTracer(), 8, "Arp entry " << entry << " (vrf '" << vrfName << "') updated in arp tarn");
+    sm->addArpEntry(entry);
+  }
+}
+
+Quor::Ptr<ArpTableSm> arpTarnKeyToArpTableSm(const Quor::Ptr<VrfRootSm>& sm, const Arp::Table::ArpKey& key,
+                                             Quor::String8* vrfName) {
+  return sm->arpTableSmOf(key, vrfName);
+}
+
+Quor::Ptr<ArpTableSm> VrfRootSm::arpTableSmOf(const Arp::Table::ArpKey& key, Quor::String8* vrfName) const {
+  if (key.vrfId == Vrf::VrfIdMap::defaultVrfId) {
+    if (vrfName) *vrfName = L3::VrfName("default").stringValue();
+    return defaultVrfArpTableSm_;
+  }
+  Vrf::VrfIdMap::VrfEntry entry;
+  if (const auto& idMap = arpTarnVrfIdMap_) {
+    try {
+      entry = idMap->vrfEntry().lookup(key.vrfId).value();
+    } catch (const Tarn::CorruptionDetectedException& e) {
+      idMap->vrfEntry().corruptionDetected(e.text());
+    }
+  }
+  if (entry.vrfId().isUnknown()) {
+    QTRACE(agentTracer(), 8, "Ignoring update for arp entry " << key << " w/ unknown vrf id");
+    return nullptr;
+  }
+  VrfRoot* root = vrfRootDir_->vrfRoot(entry.vrfName().nameValue());
+  if (!root) {
+    QTRACE(agentTracer(), 8,
+           "VrfRoot for vrf '" << entry.vrfName() << "' not found. Ignoring arp notification for " << key);
+    return nullptr;
+  }
+  if (vrfName) *vrfName = entry.vrfName().stringValue();
+  return root->arpTableSm();
+}
+
+void VrfRootSm::handleArpTarnVrfName(const Quor::String8& name) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleArpTarnVrfName(Quor::String)");
+  static constexpr const char* signature = "void IpSnmp::VrfRootSm::handleArpTarnVrfName(Quor::String)";
+  QTRACE(agentTracer(), 8, signature << " vrf: " << name);
+  if (name == "default") return;
+  auto map = arpTarnVrfNameToIdMap();
+  const Vrf::VrfIdMap::VrfId id = map ? map->vrfNameToId(name) : Vrf::VrfIdMap::unknownVrfId;
+  VrfRoot* root = vrfRootDir_->vrfRoot(Quor::Name(name));
+  if (!root || !root->arpTableSm()) {
+    QTRACE(agentTracer(), 8, "vrf root for " << name << " not found");
+    return;
+  }
+  if (id.isUnknown()) {
+    QTRACE(agentTracer(), 8, signature << " invalidating arp tarn vrf id " << "on arp table sm for " << name);
+  } else {
+    QTRACE(agentTracer(), 8, signature << " updating arp tarn vrf id " << id << " on arp table sm for " << name);
+  }
+  root->arpTableSm()->arpTarnVrfIdIs(id);
+}
+
+void VrfRootSm::handleIntfStatus(Pelt::IntfId intfId) {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleIntfStatus(Pelt::IntfId)");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::handleIntfStatus(Pelt::IntfId)" << " for " << intfId);
+  auto status = intfStatusDir_ && intfStatusDir_->notifier() ? intfStatusDir_->notifier()->intfStatus(intfId) : nullptr;
+  if (!status) return;
+  if (intfIfIndex(status) < 0) {
+    QTRACE(agentTracer(), 8, "no ifIndex (yet?)");
+    return;
+  }
+  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
+    if (!(entry.intfId == intfId)) return;
+    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
+  });
+}
+
+void VrfRootSm::handleIntfStatus() {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleIntfStatus()");
+  if (!intfStatusDir_ || !intfStatusDir_->notifier()) return;
+  const auto& dir = intfStatusDir_->notifier();
+  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
+    if (!dir->intfStatus(entry.intfId)) return;
+    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
+  });
+}
+
+Quor::ValidPtr<VrfRootSm::QuorVrfStatusLocal> VrfRootSm::vrfStatusLocalIs(
+    const Quor::Ptr<const Ip::VrfStatusLocal>& status) {
+  if (!status)
+    Quor::throwRangeException("null _vrfStatusLocal parameter to mutator for IpSnmp::VrfRootSm::vrfStatusLocal not allowed");
+  if (QuorVrfStatusLocal* reactor = vrfStatusLocal_.member(status->vrfName())) {
+    reactor->notifierIs(status);
+    return reactor;
+  }
+  auto reactor = Quor::makePtr<QuorVrfStatusLocal>(this, status);
+  vrfStatusLocal_.memberIs(reactor);
+  reactor->quorDoZombieReactors(quorMarkedForDeletion());
+  return reactor;
+}
+
+void VrfRootSm::vrfStatusLocalDel(const L3::VrfName& name) {
+  Quor::Ptr<QuorVrfStatusLocal> reactor = vrfStatusLocal_.deleteMember(name);
+  if (!reactor) return;
+  reactor->quorDoZombieReactors(true);
+  reactor->vrfRootSmIs(nullptr);
+  reactor->notifierIs(nullptr);
+}
+
+void VrfRootSm::vrfStatusLocalDelAll() {
+  while (QuorVrfStatusLocal* first = vrfStatusLocal_.firstMember()) vrfStatusLocalDel(first->fwkKey());
+}
+
+void VrfRootSm::resynchroniseVrfStatusLocal() {
+  auto all = allVrfStatusLocal_ ? allVrfStatusLocal_->notifier() : nullptr;
+  if (all)
+    for (const auto& [name, status] : all->vrfs()) vrfStatusLocalIs(status);
+  std::vector<L3::VrfName> gone;
+  for (auto it = vrfStatusLocal_.begin(); it; ++it)
+    if (!all || !all->vrf(it.key())) gone.push_back(it.key());
+  for (const L3::VrfName& name : gone) vrfStatusLocalDel(name);
+}
+
+void VrfRootSm::vrfRootIs(const Quor::Ptr<const VrfRoot>& root) {
+  if (!root) Quor::throwRangeException("null _vrfRoot parameter to mutator for IpSnmp::VrfRootSm::vrfRoot not allowed");
+  if (!vrfRoot_.member(root->name())) vrfRoot_.memberIs(Quor::makePtr<QuorVrfRoot>(root));
+}
+
+void VrfRootSm::vrfRootDel(const Quor::Name& name) { vrfRoot_.deleteMember(name); }
+
+void VrfRootSm::QuorIntfStatusDir::onIntfStatus(const Pelt::IntfId& intfId) {
+  if (vrfRootSm_) vrfRootSm_->handleIntfStatus(intfId);
+}
+
+void VrfRootSm::QuorIntfStatusDir::onIntfStatusquorImmediate() {
+  if (vrfRootSm_) vrfRootSm_->handleIntfStatus();
+}
+
+void VrfRootSm::QuorIntfStatusDir::onNotifierIs() {
+  if (vrfRootSm_ && vrfRootSm_->wired_) vrfRootSm_->handleIntfStatus();
+}
+
+void VrfRootSm::QuorRoutingVrfConfigDir::onVrfConfig(const Quor::Name& name) {
+  if (vrfRootSm_) vrfRootSm_->addToVrfTable(name);
+}
+
+void VrfRootSm::QuorRoutingVrfInfoDir::onEntityPtr(const Quor::Name& name) {
+  if (vrfRootSm_) vrfRootSm_->handleVrfCreation(name);
+}
+
+void VrfRootSm::QuorAllVrfStatusLocal::onVrf(const L3::VrfName& name) {
+  if (!vrfRootSm_ || !notifier()) return;
+  if (auto status = notifier()->vrf(name))
+    vrfRootSm_->vrfStatusLocalIs(status);
+  else
+    vrfRootSm_->vrfStatusLocalDel(name);
+}
+
+void VrfRootSm::QuorAllVrfStatusLocal::onVrfquorImmediate() {
+  if (vrfRootSm_) vrfRootSm_->resynchroniseVrfStatusLocal();
+}
+
+void VrfRootSm::QuorAllVrfStatusLocal::onNotifierIs() {
+  if (vrfRootSm_ && vrfRootSm_->wired_) vrfRootSm_->resynchroniseVrfStatusLocal();
+}
+
+VrfRootSm::QuorVrfStatusLocal::QuorVrfStatusLocal(VrfRootSm* sm, const Quor::Ptr<const Ip::VrfStatusLocal>& status)
+    : name_(status->vrfName()), vrfRootSm_(sm) {
+  notifierIs(status);  // its replay is the first handleVrfState
+}
+
+void VrfRootSm::QuorVrfStatusLocal::handleVrfState() {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleVrfState()");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleVrfState()" << " for vrf " << name_);
+  if (!vrfRootSm_ || !notifier()) return;
+  switch (notifier()->state()) {
+    case 0:
+      vrfRootSm_->addToVrfTable(name_.nameValue());
+      vrfRootSm_->handleVrfCreation(name_.nameValue());
+      break;
+    case 1:
+      vrfRootSm_->handleVrfCreation(name_.nameValue());
+      break;
+    case 2:
+      handleDel();
+      break;
+    default:
+      break;
+  }
+}
+
+void VrfRootSm::QuorVrfStatusLocal::handleDel() {
+  IPSNMP_HANDLER("void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel()");
+  QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel()" << " for vrf " << name_);
+  if (vrfRootSm_) vrfRootSm_->doVrfTeardown(name_);
+}
+
+void VrfRootSm::QuorArpTarn::onArpEntry(const Arp::Table::ArpKey& key) {
+  if (vrfRootSm_) vrfRootSm_->handleArpEntry(key);
+}
+
+void VrfRootSm::QuorArpTarnVrfNameToIdMap::onVrfNameToId(const Quor::String8& name) {
+  if (vrfRootSm_) vrfRootSm_->handleArpTarnVrfName(name);
+}
+
+void VrfRootSm::QuorSnmpAgentStatus::onInitialized() {
+  if (vrfRootSm_ && notifier()) vrfRootSm_->handleInitialized(notifier()->initialized());
+}
+
+}  // namespace IpSnmp

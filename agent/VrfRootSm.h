@@ -1,0 +1,237 @@
+#pragma once
+// VrfRootSm makes the non-default VRFs appear in the agent and go away again, keeps vrfTable, and
+// routes the ARP table's notifications to the ARP machine of each entry's VRF.
+//
+// A VRF is unknown (no status reactor), known (a reactor, no VrfRoot) or up (a VrfRoot). It comes up
+// once the agent is initialized and the routing side has published it (an entry of
+// routingVrfInfoDir): its tables are mounted, its containers and machines made, its address
+// reactors let in, and only then is its SNMP context opened. It goes at state 2, or when its status
+// member leaves: the context is closed first, then its tables are unmounted and its rows, containers
+// and machines deleted. It can come up again, with fresh, empty containers.
+//
+// Deliberate, and relied on:
+// - nothing about VRFs happens before the agent is initialized, except vrfTable rows: a state 0 adds
+//   the row whenever its three sources exist; a VRF torn down before initialization keeps its row;
+// - a VRF leaving routingVrfInfoDir is not torn down for that; only its status decides;
+// - the default VRF is not special-cased here: its machines are Root's, and the inputs must not list it;
+// - vrfTable rows are never refreshed: a row stays with the objects it was made from;
+// - ARP entries of an unknown VRF id, or of a VRF that is not up, are dropped and not remembered;
+//   the id's arrival (populate) or an interface change brings them in later.
+#include "agent/IpAddressTableSm.h"
+#include "agent/SnmpContexts.h"
+#include "agent/VrfRoot.h"
+#include "model/IpVrfMib.h"
+#include "model/VrfMibs.h"
+#include "platform/morvane/EntityManager.h"
+#include "platform/morvane/RoutingConfig.h"
+#include "platform/morvane/SnmpStatus.h"
+#include "platform/tarn/ReverseMapper.h"
+
+namespace IpSnmp {
+
+class VrfRootSm : public Quor::Reactor {
+ public:
+  class QuorIntfStatusDir;
+  class QuorRoutingVrfConfigDir;
+  class QuorRoutingVrfInfoDir;
+  class QuorAllVrfStatusLocal;
+  class QuorVrfStatusLocal;
+  class QuorArpTarn;
+  class QuorArpTarnVrfNameToIdMap;
+  class QuorSnmpAgentStatus;
+  class QuorVrfRoot;
+
+  // The inputs of Root::vrfRootSmIs; `snmpContexts` opens and closes the VRFs' SNMP contexts and must
+  // outlive the machine. Ends with the agent's status bound, which brings up every published VRF at
+  // once if the agent is initialized already.
+  VrfRootSm(const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm,
+            const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
+            const Quor::Ptr<const Routing::VrfConfigDir>& routingVrfConfigDir,
+            const Quor::Ptr<const Quor::Dir>& routingVrfInfoDir, const Quor::Ptr<VrfMibsDir>& vrfMibsDir,
+            const Quor::Ptr<VrfRootDir>& vrfRootDir, const Quor::Ptr<const Ip::AllVrfStatusLocal>& allVrfStatusLocal,
+            const Quor::Ptr<const Ip::AllVrfConfig>& allVrfConfig, const Quor::Ptr<const Snmp::Status>& snmpStatus,
+            const Quor::Ptr<IpVrfMib>& ipVrfMib, const Quor::Ptr<const Morvane::EntityManager>& entityManager,
+            const Quor::Ptr<const Arp::Table::Status>& arpTarn,
+            const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap,
+            const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm, SnmpContexts* snmpContexts);
+  ~VrfRootSm() override;
+
+  bool initialized() const noexcept { return initialized_; }
+  const Quor::Ptr<VrfRootDir>& vrfRootDir() const noexcept { return vrfRootDir_; }
+  const Quor::Ptr<IpVrfMib>& ipVrfMib() const noexcept { return ipVrfMib_; }
+  const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm() const noexcept { return defaultVrfArpTableSm_; }
+  const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap() const noexcept { return arpTarnVrfIdMap_; }
+  Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap> arpTarnVrfNameToIdMap() const;
+
+  // Agent status: the first true brings the VRFs up and loads the ARP tables; false is not handled.
+  void handleInitialized(bool value);
+  // Brings up every published VRF and adds the rows of every VRF with routing configuration.
+  void handleVrfCreation();
+  void handleVrfCreation(const Quor::Name& name);
+  void addToVrfTable(const Quor::Name& name);
+  void delFromVrfTable(const Quor::Name& name);
+
+  // ARP routing by VRF.
+  void handleArpEntry(const Arp::Table::ArpKey& key);
+  void handleArpTarnVrfName(const Quor::String8& name);
+  void handleIntfStatus(Pelt::IntfId intfId);
+  void handleIntfStatus();
+
+  // One status reactor per member of allVrfStatusLocal.
+  Quor::ValidPtr<QuorVrfStatusLocal> vrfStatusLocalIs(const Quor::Ptr<const Ip::VrfStatusLocal>& status);
+  void vrfStatusLocalDel(const L3::VrfName& name);
+  void vrfStatusLocalDelAll();
+  QuorVrfStatusLocal* vrfStatusLocal(const L3::VrfName& name) const { return vrfStatusLocal_.member(name); }
+  // A status reactor for every member, none for the others.
+  void resynchroniseVrfStatusLocal();
+
+  // The VRFs that are up.
+  void vrfRootIs(const Quor::Ptr<const VrfRoot>& vrfRoot);
+  void vrfRootDel(const Quor::Name& name);
+  QuorVrfRoot* vrfRoot(const Quor::Name& name) const { return vrfRoot_.member(name); }
+
+ protected:
+  void quorZombieNested(bool flag) override;
+
+ private:
+  friend class QuorVrfStatusLocal;
+  friend Quor::Ptr<ArpTableSm> arpTarnKeyToArpTableSm(const Quor::Ptr<VrfRootSm>& sm, const Arp::Table::ArpKey& key,
+                                                       Quor::String8* vrfName);
+  // arpTarnKeyToArpTableSm without a reference of its own, which the constructor's passes may not take.
+  Quor::Ptr<ArpTableSm> arpTableSmOf(const Arp::Table::ArpKey& key, Quor::String8* vrfName) const;
+  // The teardown of a VRF that is up, or of its row only.
+  void doVrfTeardown(const L3::VrfName& name);
+  Arp::Table::ArpEntry arpEntryOf(const Arp::Table::ArpKey& key) const;
+  // Calls `add` for every entry of the ARP table, stopping at the first damaged read.
+  template <class Visit>
+  void walkArpTarn(Visit visit) const;
+
+  // Until the constructor has bound every input, binding runs no pass over it. First of the members,
+  // so that it is set before the reactors are made.
+  bool wired_ = false;
+  const Quor::Ptr<IpAddressTableSm> ipAddressTableSm_;
+  Quor::Ptr<QuorIntfStatusDir> intfStatusDir_;
+  Quor::Ptr<QuorRoutingVrfConfigDir> routingVrfConfigDir_;
+  Quor::Ptr<QuorRoutingVrfInfoDir> routingVrfInfoDir_;
+  const Quor::Ptr<VrfMibsDir> vrfMibsDir_;
+  const Quor::Ptr<VrfRootDir> vrfRootDir_;
+  Quor::HashMap<QuorVrfRoot, Quor::Name> vrfRoot_;
+  Quor::Ptr<QuorAllVrfStatusLocal> allVrfStatusLocal_;
+  const Quor::Ptr<const Ip::AllVrfConfig> allVrfConfig_;
+  const Quor::Ptr<const Snmp::Status> snmpStatus_;
+  const Quor::Ptr<IpVrfMib> ipVrfMib_;
+  const Quor::Ptr<const Morvane::EntityManager> entityManager_;
+  Quor::Ptr<QuorArpTarn> arpTarn_;
+  const Quor::Ptr<const Vrf::VrfIdMap::Status> arpTarnVrfIdMap_;
+  const Quor::Ptr<ArpTableSm> defaultVrfArpTableSm_;
+  Quor::Ptr<QuorArpTarnVrfNameToIdMap> arpTarnVrfNameToIdMap_;
+  Quor::Ptr<Vrf::VrfIdMap::ReverseMapper> arpTarnVrfIdReverseMapper_;
+  Quor::HashMap<QuorVrfStatusLocal, L3::VrfName> vrfStatusLocal_;
+  bool initialized_ = false;
+  Quor::Ptr<QuorSnmpAgentStatus> snmpAgentStatus_;
+  SnmpContexts* const snmpContexts_;
+};
+
+// The ARP machine of the VRF that `key` belongs to, and that VRF's name; null when the VRF id is not
+// known or its VRF is not up.
+Quor::Ptr<ArpTableSm> arpTarnKeyToArpTableSm(const Quor::Ptr<VrfRootSm>& sm, const Arp::Table::ArpKey& key,
+                                             Quor::String8* vrfName);
+
+// The reactors, each forwarding to the machine while it has one.
+template <class Notifiee>
+class VrfRootSmInput : public Notifiee {
+ public:
+  explicit VrfRootSmInput(VrfRootSm* sm) : vrfRootSm_(sm) {}
+  void vrfRootSmIs(VrfRootSm* sm) noexcept { vrfRootSm_ = sm; }
+
+ protected:
+  VrfRootSm* vrfRootSm_;
+};
+
+class VrfRootSm::QuorIntfStatusDir final : public VrfRootSmInput<Interface::AllIntfStatusDir::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onIntfStatus(const Pelt::IntfId& intfId) override;
+  void onIntfStatusquorImmediate() override;
+
+ protected:
+  void onNotifierIs() override;
+};
+
+class VrfRootSm::QuorRoutingVrfConfigDir final : public VrfRootSmInput<Routing::VrfConfigDir::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onVrfConfig(const Quor::Name& name) override;
+  void onVrfConfigquorImmediate() override {}
+};
+
+class VrfRootSm::QuorRoutingVrfInfoDir final : public VrfRootSmInput<Quor::Dir::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onEntityPtr(const Quor::Name& name) override;
+};
+
+class VrfRootSm::QuorAllVrfStatusLocal final : public VrfRootSmInput<Ip::AllVrfStatusLocal::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onVrf(const L3::VrfName& name) override;
+  void onVrfquorImmediate() override;
+
+ protected:
+  void onNotifierIs() override;
+};
+
+class VrfRootSm::QuorVrfStatusLocal final : public Ip::VrfStatusLocal::NotifieeConst, public Quor::HashLink {
+ public:
+  QuorVrfStatusLocal(VrfRootSm* sm, const Quor::Ptr<const Ip::VrfStatusLocal>& status);
+  const L3::VrfName& fwkKey() const noexcept { return name_; }
+  void onState() override { handleVrfState(); }
+  void handleVrfState();
+  void vrfRootSmIs(VrfRootSm* sm) noexcept { vrfRootSm_ = sm; }
+
+ protected:
+  void onNotifierIs() override { handleVrfState(); }
+  // The teardown of the VRF: at state 2, and when the member leaves.
+  void handleDel() override;
+
+ private:
+  const L3::VrfName name_;
+  VrfRootSm* vrfRootSm_;
+};
+
+class VrfRootSm::QuorArpTarn final : public VrfRootSmInput<Arp::Table::Status::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onArpEntry(const Arp::Table::ArpKey& key) override;
+  void onArpEntryquorImmediate() override {}
+};
+
+class VrfRootSm::QuorArpTarnVrfNameToIdMap final
+    : public VrfRootSmInput<Vrf::VrfIdMap::NameToIdMap::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onVrfNameToId(const Quor::String8& name) override;
+  void onVrfNameToIdquorImmediate() override {}
+};
+
+class VrfRootSm::QuorSnmpAgentStatus final : public VrfRootSmInput<Snmp::Status::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onInitialized() override;
+
+ protected:
+  void onNotifierIs() override { onInitialized(); }
+};
+
+// The record of a VRF that is up.
+class VrfRootSm::QuorVrfRoot final : public Quor::PtrInterface, public Quor::HashLink {
+ public:
+  explicit QuorVrfRoot(Quor::Ptr<const VrfRoot> vrfRoot) : vrfRoot_(std::move(vrfRoot)) {}
+  const Quor::Name& fwkKey() const noexcept { return vrfRoot_->name(); }
+  const Quor::Ptr<const VrfRoot>& vrfRoot() const noexcept { return vrfRoot_; }
+
+ private:
+  const Quor::Ptr<const VrfRoot> vrfRoot_;
+};
+
+}  // namespace IpSnmp
