@@ -23,6 +23,7 @@
 #include "platform/snmp/TraceToSnmpLog.h"
 #include "plugin/AgentContexts.h"
 #include "plugin/AgentStartup.h"
+#include "sources/linux/LinuxSource.h"
 #include "sources/scenario/ScenarioSource.h"
 
 extern "C" {
@@ -39,6 +40,7 @@ struct Plugin {
   Quor::Ptr<Quor::Dir> root;
   Morvane::Store store;
   Sources::ScenarioSource scenario;
+  std::unique_ptr<Sources::LinuxSource> kernel;
   AgentContexts contexts;
   std::unique_ptr<AgentStartup> agent;
   Snmp::AgentLoop loop{Quor::activityManager()};
@@ -84,11 +86,18 @@ void init_ipsnmp() {
   try {
     plugin = std::make_unique<Plugin>(scenarioPath);
     SnmpUtil::rootIs(plugin->root);
-    if (std::string error = plugin->scenario.load(); !error.empty())
-      snmp_log(LOG_ERR, "ipsnmp: scenario refused, the store stays empty: %s\n", error.c_str());
-    if (!scenarioPath.empty())
-      if (std::string error = plugin->scenario.watch(); !error.empty())
-        snmp_log(LOG_ERR, "ipsnmp: edits of the scenario will not be seen: %s\n", error.c_str());
+    if (environment("IPSNMP_SOURCE") == "linux") {
+      plugin->kernel = std::make_unique<Sources::LinuxSource>(
+          plugin->store, Sources::LinuxSource::Options{.tableWriter = environment("IPSNMP_LINUX_TABLES")});
+      if (std::string error = plugin->kernel->start(); !error.empty())
+        snmp_log(LOG_ERR, "ipsnmp: the kernel cannot be followed, the store stays empty: %s\n", error.c_str());
+    } else {
+      if (std::string error = plugin->scenario.load(); !error.empty())
+        snmp_log(LOG_ERR, "ipsnmp: scenario refused, the store stays empty: %s\n", error.c_str());
+      if (!scenarioPath.empty())
+        if (std::string error = plugin->scenario.watch(); !error.empty())
+          snmp_log(LOG_ERR, "ipsnmp: edits of the scenario will not be seen: %s\n", error.c_str());
+    }
     // The containers exist before any registration takes its pointer; the VRF lifecycle opens the
     // other contexts as their VRFs come up, from here on.
     plugin->agent = std::make_unique<AgentStartup>(plugin->root, plugin->store, &plugin->contexts);
@@ -98,9 +107,9 @@ void init_ipsnmp() {
     deinit_ipsnmp();
     return;
   }
-  snmp_log(LOG_INFO, "ipsnmp: serving the default context and %zu VRF contexts (scenario %s)\n",
-           plugin->agent->root->vrfRootDir()->vrfRoots().members(),
-           scenarioPath.empty() ? "built in" : scenarioPath.c_str());
+  const std::string source = plugin->kernel ? "the Linux kernel" : scenarioPath.empty() ? "the built-in scenario" : scenarioPath;
+  snmp_log(LOG_INFO, "ipsnmp: serving the default context and %zu VRF contexts, fed by %s\n",
+           plugin->agent->root->vrfRootDir()->vrfRoots().members(), source.c_str());
 }
 
 void deinit_ipsnmp() {
