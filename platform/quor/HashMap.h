@@ -6,6 +6,9 @@
 // So walking the buckets in order visits the members in (reversed hash, key) order whatever the
 // number of buckets, which is what lets an iterator resume at a remembered key (startAtHash,
 // findNextG) across growth and shrinking. Iteration under change: see CollectionIterator.
+//
+// The buckets grow on insertion and shrink only on a later insertion into a sparse map, never on
+// removal: a time-sliced pass that drains a large map then allocates nothing while it deletes.
 #include <cassert>
 #include <type_traits>
 #include <vector>
@@ -86,7 +89,13 @@ class HashMap {
   void newMember(const Ptr<M>& m, U32 hash) {
     HashLink* t = m.ptr();
     assert(!t->fwkHmLinked() && "t->fwkHmNext() == 0");
-    if (buckets_.empty() || count_ >= 2 * buckets_.size()) resize(buckets_.empty() ? 3 : bits_ + 1);
+    if (buckets_.empty() || count_ >= 2 * buckets_.size()) {
+      resize(buckets_.empty() ? 3 : bits_ + 1);
+    } else if (bits_ > 3 && count_ < buckets_.size() / 16) {
+      U32 bits = bits_;
+      while (bits > 3 && count_ < (std::size_t(1) << bits) / 4) --bits;
+      resize(bits);
+    }
     t->revHash_ = bitReverse(hash);
     HashLink** link = &buckets_[bucketOf(t->revHash_)];
     while (*link && !before(t->revHash_, m->fwkKey(), *link)) link = &(*link)->next_;
@@ -108,7 +117,6 @@ class HashMap {
     unlink(m);
     --count_;
     ++version_;
-    if (bits_ > 3 && count_ < buckets_.size() / 8) resize(bits_ - 1);
     return held;
   }
   void clear() {
@@ -138,6 +146,7 @@ class HashMap {
   std::size_t bucketOf(U32 rev) const noexcept { return bits_ ? rev >> (32 - bits_) : 0; }
   HashLink* head(U32 rev) const { return buckets_.empty() ? nullptr : buckets_[bucketOf(rev)]; }
   M* headFrom(std::size_t bucket) const {
+    if (count_ == 0) return nullptr;
     for (; bucket < buckets_.size(); ++bucket)
       if (buckets_[bucket]) return static_cast<M*>(buckets_[bucket]);
     return nullptr;

@@ -140,3 +140,18 @@ TEST(HashedWalk, BitReverseMirrorsTheWord) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(HashedWalk, ADrainedMapIsEmptyAndARefillWalksFromItsNewMembers) {
+  Hash h;
+  for (int k = 0; k < 5000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
+  for (auto it = h.begin(); it; ++it) h.deleteMember(it.key());
+  EXPECT_EQ(h.members(), 0u);
+  EXPECT_FALSE(h.begin()) << "an empty map has no first member, however many buckets it kept";
+  for (int k = 0; k < 10; ++k) h.memberIs(Quor::makePtr<Mark>(k));
+  EXPECT_EQ(walkFrom(h.begin()).size(), 10u);
+  EXPECT_EQ(h.startAtHash(3).key(), 3);
+}
+
+}  // namespace
