@@ -1,6 +1,7 @@
 #pragma once
-// A scenario as read from its file: the state that the store is to hold, checked and typed, before
-// any of it is applied. What a scenario leaves out is absent from the store (see docs/scenario.md).
+// A scenario as read from its file: the state that the store and the shared-memory tables are to
+// hold, checked and typed, before any of it is applied. What a scenario leaves out is absent from the
+// store (see docs/scenario.md).
 #include <map>
 #include <optional>
 #include <set>
@@ -11,6 +12,7 @@
 #include "platform/pelt/RouteDistinguisher.h"
 #include "platform/pelt/VrfName.h"
 #include "platform/pelt/VrfState.h"
+#include "sources/scenario/TableScenario.h"
 
 namespace Sources {
 
@@ -63,6 +65,7 @@ struct Scenario {
   std::map<L3::VrfName, VrfScenario> vrfs;
   std::map<Pelt::IntfId, IntfScenario> interfaces;
   SnmpScenario snmp;
+  TablesScenario tables;  // the shared-memory tables, not the store
 };
 
 }  // namespace Sources

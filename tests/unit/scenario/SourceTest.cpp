@@ -139,6 +139,73 @@ TEST_F(ScenarioFile, OtherFilesOfTheDirectoryAndBadSavesChangeNothing) {
   EXPECT_EQ(source.lastError(), "");
 }
 
+// A scenario of `count` interfaces, each with its status and an address.
+std::string interfaces(int count) {
+  std::string yaml = "interfaces:\n";
+  for (int i = 1; i <= count; ++i)
+    yaml += "  Ethernet" + std::to_string(i) + ": { ifIndex: " + std::to_string(i) + ", config: { ipv4: 10.0." +
+            std::to_string(i / 256) + "." + std::to_string(i % 256) + "/16 } }\n";
+  return yaml;
+}
+
+std::size_t interfacesIn(const Morvane::Store& store) {
+  std::size_t count = 0;
+  for (const auto& member : store.intfStatusDir->intfStatuses()) count += bool(member.second);
+  return count;
+}
+
+// Time that moves a millisecond each time it is read.
+double steppingClock() {
+  static double seconds = 1000;
+  return seconds += 0.001;
+}
+
+class SlicedSave : public ScenarioFile {
+ protected:
+  SlicedSave() { Quor::nowSourceIs(steppingClock); }
+  ~SlicedSave() override { Quor::nowSourceIs(nullptr); }
+};
+
+TEST_F(SlicedSave, ASaveIsAppliedInSlicesWithTheLoopFreeBetweenThem) {
+  write("interfaces: {}\n");
+  Sources::ScenarioSource source(store, path);
+  ASSERT_EQ(source.load(), "");
+  ASSERT_EQ(source.watch(), "");
+  write(interfaces(200));
+  Quor::activityManager()->runOnce(0.05);
+  const std::size_t first = interfacesIn(store);
+  EXPECT_GT(first, 0u);
+  EXPECT_LT(first, 20u) << "one slice makes a few changes";
+  EXPECT_TRUE(source.storePending());
+  int turns = 1;
+  for (; source.storePending() && turns < 1000; ++turns) Quor::activityManager()->runOnce(0.05);
+  EXPECT_EQ(interfacesIn(store), 200u);
+  EXPECT_GT(turns, 10) << "the loop turned between the slices";
+}
+
+TEST_F(SlicedSave, ALaterSaveReplacesWhatIsLeftOfAnEarlierOne) {
+  write("interfaces: {}\n");
+  Sources::ScenarioSource source(store, path);
+  ASSERT_EQ(source.load(), "");
+  ASSERT_EQ(source.watch(), "");
+  write(interfaces(200));
+  Quor::activityManager()->runOnce(0.05);
+  ASSERT_TRUE(source.storePending());
+  write(interfaces(3));
+  for (int turns = 0; source.storePending() && turns < 1000; ++turns) Quor::activityManager()->runOnce(0.05);
+  EXPECT_EQ(interfacesIn(store), 3u);
+  EXPECT_TRUE(store.intfStatusDir->intfStatus(Pelt::IntfId("Ethernet3")));
+  EXPECT_FALSE(store.intfStatusDir->intfStatus(Pelt::IntfId("Ethernet4")));
+}
+
+TEST_F(ScenarioFile, ADirectLoadChangesTheStoreBeforeItReturns) {
+  write(interfaces(50));
+  Sources::ScenarioSource source(store, path);
+  ASSERT_EQ(source.load(), "");
+  EXPECT_EQ(interfacesIn(store), 50u);
+  EXPECT_FALSE(source.storePending());
+}
+
 TEST_F(ScenarioFile, TheWatchEndsWithTheSource) {
   write(redOnly);
   {

@@ -1,0 +1,194 @@
+#include "sources/scenario/TableSync.h"
+
+#include <algorithm>
+#include <bit>
+#include <filesystem>
+#include <set>
+
+#include "platform/tarn/ArpStatus.h"
+#include "platform/tarn/FecWriter.h"
+#include "platform/tarn/ForwardingStatus.h"
+#include "platform/tarn/Mount.h"
+#include "platform/tarn/RouteStatus.h"
+#include "platform/tarn/TableReader.h"
+#include "platform/tarn/VrfIdMapStatus.h"
+
+namespace Sources {
+
+namespace {
+
+// The sizes that the command-line writer and the agents use, so that either takes the other's files
+// over instead of rebuilding them.
+constexpr U32 usualRoutes = 65536;
+constexpr U32 usualArpEntries = 16384;
+constexpr U32 usualVrfIds = 1024;
+// Room for the chunks of FECs being rewritten, which live beside the new ones for a moment.
+constexpr U32 chunkSlack = 8;
+
+U32 sizeFor(U32 present, U64 needed, U32 usual) {
+  if (present >= needed && present > 0) return present;
+  return static_cast<U32>(std::max<U64>(usual, std::bit_ceil(needed)));
+}
+
+// The most members the file at `path` holds, 0 when there is no usable file.
+U32 presentSize(const std::string& path, const char* type, U32 keySize, U32 recordSize) {
+  try {
+    if (auto reader = Tarn::TableReader::open(path, type, keySize, recordSize)) return reader->geometry().maxMembers;
+  } catch (const Tarn::CorruptionDetectedException&) {
+  }
+  return 0;
+}
+
+template <class Codec>
+U32 sizeFor(const std::string& path, U64 needed, U32 usual) {
+  return sizeFor(presentSize(path, Codec::type, Codec::keySize, sizeof(typename Codec::Record)), needed, usual);
+}
+
+template <class Run>
+U64 entriesOf(const std::vector<Run>& runs) {
+  U64 total = 0;
+  for (const Run& run : runs) total += run.count;
+  return total;
+}
+
+// One table of plain records. `wanted(key)` tells whether the scenario has the key;
+// `eachWanted(put)` calls put with every value the scenario gives.
+template <class Codec, class Wanted, class EachWanted>
+void syncRecords(const std::string& path, U64 needed, U32 usual, double lockWait, Wanted wanted, EachWanted eachWanted,
+                 TableSyncCounts& counts) {
+  using Key = typename Codec::Key;
+  using Value = typename Codec::Value;
+  using Record = typename Codec::Record;
+  if (needed == 0 && !std::filesystem::exists(path)) return;
+  Tarn::TableWriter table(path, Codec::type,
+                          Tarn::TableGeometry::forRecords(Codec::keySize, sizeof(Record), sizeFor<Codec>(path, needed, usual)),
+                          lockWait);
+  std::vector<Key> gone;
+  table.forEachRecord([&](const void* record) {
+    Key key = Codec::decodeKey(static_cast<const std::byte*>(record));
+    if (!wanted(key)) gone.push_back(key);
+  });
+  for (const Key& key : gone) {
+    Record record{};
+    Codec::encodeKey(key, &record);
+    table.erase(&record);
+  }
+  counts.erased += gone.size();
+  eachWanted([&](const Value& value) {
+    Record record = Codec::encode(value), present;
+    if (table.find(&record, &present) && Codec::decode(present) == value) return;
+    table.put(&record);
+    ++counts.written;
+  });
+  table.commit();
+}
+
+void syncFecs(const std::string& path, const FibScenario& fib, const FibIndex& index, double lockWait,
+              TableSyncCounts& counts) {
+  using namespace Tarn::Fib;
+  const U64 needed = entriesOf(fib.fecs);
+  if (needed == 0 && !std::filesystem::exists(path)) return;
+  U64 chunks = chunkSlack;
+  for (const FecRun& run : fib.fecs) chunks += U64(run.count) * chunksFor(static_cast<U32>(run.vias.size()));
+  const std::string chunkPath = FecCodec::chunkFileOf(path);
+  FecWriter writer(path, sizeFor(presentSize(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord)), needed,
+                                 FecWriter::defaultMaxFecs),
+                   sizeFor(presentSize(chunkPath, FecCodec::chunkType, FecCodec::chunkKeySize, sizeof(FecChunkRecord)),
+                           chunks, FecWriter::defaultMaxChunks),
+                   lockWait);
+
+  // What the file holds, read back through a reader while the writer keeps others out.
+  std::vector<FecId> gone, same;
+  auto reader = Tarn::TableReader::open(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord));
+  const FecCodec codec(path);
+  Fec present, want;
+  FecRecord record;
+  for (U32 slot = reader->nextOccupied(0, &record); slot < reader->capacity();
+       slot = reader->nextOccupied(slot + 1, &record)) {
+    present = FecCodec::decode(record);
+    if (!index.fec(present.fecId, &want))
+      gone.push_back(present.fecId);
+    else if (codec.complete(record, &present) && present == want)
+      same.push_back(present.fecId);
+  }
+  std::sort(same.begin(), same.end());
+  for (FecId id : gone) writer.erase(id);
+  counts.erased += gone.size();
+  for (const FecRun& run : fib.fecs)
+    for (U64 i = 0; i < run.count; ++i) {
+      fecOf(run, i, &want);
+      if (std::binary_search(same.begin(), same.end(), want.fecId)) continue;
+      writer.put(want);
+      ++counts.written;
+    }
+  writer.commit();
+}
+
+void syncFib(const std::string& root, const L3::VrfName& vrf, const FibScenario& fib, double lockWait,
+             TableSyncCounts& counts) {
+  using namespace Tarn::Fib;
+  const FibIndex index(fib);
+  syncFecs(root + "/" + forwardingPathOf(vrf) + "/" + ForwardingStatus::attributeName, fib, index, lockWait, counts);
+  syncRecords<RouteCodec>(
+      root + "/" + routePathOf(vrf) + "/" + RouteStatus::attributeName, entriesOf(fib.routes), usualRoutes, lockWait,
+      [&](const Pelt::Prefix& prefix) { return index.route(prefix).has_value(); },
+      [&](auto put) {
+        for (const RouteRun& run : fib.routes)
+          for (U64 i = 0; i < run.count; ++i) put(routeOf(run, i));
+      },
+      counts);
+}
+
+// The VRFs that have tables under the root, besides the default one.
+std::set<L3::VrfName> vrfsWithTables(const std::string& root) {
+  std::set<L3::VrfName> vrfs;
+  for (const char* format : {Tarn::Fib::vrfRoutePathFormat, Tarn::Fib::vrfForwardingPathFormat}) {
+    std::string dir = root + "/" + std::string(format).substr(0, std::string(format).rfind('/'));
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(dir, ignored)) {
+      std::string name = entry.path().filename().string();
+      if (entry.is_directory() && name.size() <= L3::VrfName::maxBytes) vrfs.insert(L3::VrfName(name));
+    }
+  }
+  return vrfs;
+}
+
+}  // namespace
+
+TableSyncCounts syncTables(const TablesScenario& tables, const std::string& root, double lockWait) {
+  TableSyncCounts counts;
+  if (tables.vrfIds) {
+    const auto& ids = *tables.vrfIds;
+    syncRecords<Vrf::VrfIdMap::VrfEntryCodec>(
+        root + "/" + Vrf::VrfIdMap::statusPath + "/" + Vrf::VrfIdMap::Status::attributeName, ids.size(), usualVrfIds,
+        lockWait, [&](Vrf::VrfIdMap::VrfId id) { return ids.count(id) > 0; },
+        [&](auto put) {
+          for (const auto& [id, name] : ids) put(Vrf::VrfIdMap::VrfEntry(id, name));
+        },
+        counts);
+  }
+  if (tables.fib) {
+    std::set<L3::VrfName> vrfs = vrfsWithTables(root);
+    vrfs.insert(L3::VrfName("default"));
+    for (const auto& [vrf, fib] : *tables.fib) vrfs.insert(vrf);
+    const FibScenario none;
+    for (const L3::VrfName& vrf : vrfs) {
+      auto it = tables.fib->find(vrf);
+      syncFib(root, vrf, it == tables.fib->end() ? none : it->second, lockWait, counts);
+    }
+  }
+  if (tables.arp) {
+    const ArpIndex index(*tables.arp);
+    syncRecords<Arp::Table::ArpCodec>(
+        root + "/" + Arp::Table::statusPath + "/" + Arp::Table::Status::attributeName, entriesOf(*tables.arp),
+        usualArpEntries, lockWait, [&](const Arp::Table::ArpKey& key) { return index.entry(key).has_value(); },
+        [&](auto put) {
+          for (const ArpRun& run : *tables.arp)
+            for (U64 i = 0; i < run.count; ++i) put(arpEntryOf(run, i));
+        },
+        counts);
+  }
+  return counts;
+}
+
+}  // namespace Sources
