@@ -12,6 +12,8 @@ namespace {
 
 constexpr int forwarding = 1;
 constexpr int notForwarding = 2;
+constexpr int arpDynamic = 3;
+constexpr int arpStatic = 4;
 constexpr int vrfActive = 1;
 constexpr int vrfNotActive = 2;
 constexpr unsigned char ipv4RoutingBit = 0x80;
@@ -25,6 +27,10 @@ const Quor::Tracer backEndTracer{"IpSnmp", "IpSnmpAgent"};
 
 int IpRoutingToAsnInteger(bool routing, unsigned char* buffer, int size) {
   return SnmpConvert<int, S32ToAsnIntegerF>(routing ? forwarding : notForwarding, buffer, size);
+}
+
+int ArpEntryStaticToAsnInteger(const Arp::ArpEntryStatus& entry, unsigned char* buffer, int size) {
+  return SnmpConvert<int, S32ToAsnIntegerF>(entry.isStatic ? arpStatic : arpDynamic, buffer, size);
 }
 
 int VrfStateToAsnInteger(const Ip::VrfState& state, unsigned char* buffer, int size) {

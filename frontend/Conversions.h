@@ -2,6 +2,7 @@
 // Conversions that hold the mappings of the MIBs, in the convention of ElementaryConversions.h.
 #include "model/IpAddressPrefixEntry.h"
 #include "model/VrfRoutingStatus.h"
+#include "platform/tarn/ArpEntry.h"
 #include "platform/pelt/IpVersion.h"
 #include "platform/pelt/RouteAttributes.h"
 #include "platform/pelt/RouteDistinguisher.h"
@@ -10,6 +11,10 @@
 // ipForwarding and ipv6IpForwarding: forwarding(1) when routing is on, notForwarding(2) when it is
 // off. The order is the MIB's, not that of a truth value.
 int IpRoutingToAsnInteger(bool routing, unsigned char* buffer, int size);
+
+// ipNetToMediaType: static(4) when the entry's static flag is set, dynamic(3) when it is not. The
+// MIB's other(1) and invalid(2) do not occur: an absent neighbour reads as a dynamic default entry.
+int ArpEntryStaticToAsnInteger(const Arp::ArpEntryStatus& entry, unsigned char* buffer, int size);
 
 // oskelVrfState: active(1) for the state numbered 1, 2 for every other state, the zero state too.
 int VrfStateToAsnInteger(const Ip::VrfState& state, unsigned char* buffer, int size);

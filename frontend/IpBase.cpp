@@ -1,31 +1,26 @@
-// IpBase registers the forwarding scalars and the address tables of the IP group in a context, and
-// takes them away from a VRF's context again. The scalars read the routing configuration of the
-// store at every GET, through the entity that their registration carries; the default context's
-// entities live for the whole process, a VRF's until after its context has been unregistered.
+// IpBase registers the forwarding scalars and the address and neighbour tables of the IP group in a
+// context, and takes them away from a VRF's context again. The scalars read the routing
+// configuration of the store at every GET, through the entity that their registration carries; the
+// default context's entities live for the whole process, a VRF's until after its context has been
+// unregistered.
 #include "frontend/IpBase.h"
-
-#include <cstring>
-#include <string>
 
 #include "frontend/Conversions.h"
 #include "frontend/IpBaseTables.h"
 #include "frontend/ScalarHandler.h"
+#include "frontend/TableRegistration.h"
+#include "frontend/UnitRegistration.h"
 #include "platform/morvane/RoutingConfig.h"
 #include "platform/quor/Flitlog.h"
 #include "platform/snmp/HandlerRegistration.h"
-#include "platform/snmp/Owners.h"
 #include "platform/snmp/SnmpUtil.h"
 
 namespace {
 
 const Quor::Tracer tracer{"Snmp", "IpBase"};
 
-// Below net-snmp's default of 127: a lower number takes precedence, so these answer instead of the
-// agent's own IP group.
-constexpr int scalarPriority = 64;
-
-oid ipForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 1};
-oid ipv6IpForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 25};
+const oid ipForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 1};
+const oid ipv6IpForwarding_oid[] = {1, 3, 6, 1, 2, 1, 4, 25};
 
 const ScalarText ipForwardingText{"handle_ipForwarding",    "ipForwarding", "Morvane/routing/config",
                                   "Routing::Config",        "routing",      "IpRoutingToAsnInteger"};
@@ -42,66 +37,44 @@ class IpBase_HandlerRegistration : public Snmp::HandlerRegistration {
 IpBase_HandlerRegistration handlerRegistration;
 Snmp::AutoRegistree autoRegistree{&handlerRegistration};
 
-template <std::size_t N>
-std::string oidText(const oid (&name)[N]) {
-  char text[200];
-  snprint_objid(text, sizeof text, name, N);
-  return text;
-}
-
-template <class Config>
-void* entityAt(const char* path) {
-  Quor::Ptr<Quor::Entity> entity = SnmpUtil::getEntityRelative(path);
-  return dynamic_cast<Config*>(entity.ptr());
-}
-
 template <class Config>
 int readRouting(const void* config, unsigned char* buffer, int size) {
   return IpRoutingToAsnInteger(static_cast<const Config*>(config)->routing(), buffer, size);
 }
 
-template <std::size_t N>
-Snmp::HandlerRegistrationPtr newScalarRegistration(const char* namePrefix, Netsnmp_Node_Handler* handler,
-                                                   oid (&name)[N], const Quor::String8& context) {
-  const std::string registrationName = namePrefix + context.str();
-  Snmp::HandlerRegistrationPtr reg(
-      netsnmp_create_handler_registration(registrationName.c_str(), handler, name, N, HANDLER_CAN_RWRITE));
-  reg->priority = scalarPriority;
-  if (!context.empty()) reg->contextName = strdup(context.str().c_str());
-  return reg;
-}
-
 }  // namespace
 
 void init_IpBase(Quor::String8 context) {
-  const std::string contextText = context.str();
-  DEBUGMSGTL(("IpBase", "Initializing in context \"%s\"\n", contextText.c_str()));
+  debugUnitInit("IpBase", __func__, __FILE__, __LINE__, context);
   QTRACE(tracer, 1, "init_IpBase initializing oid " << oidText(ipForwarding_oid) << " in context \"" << context
                                                     << "\"");
   QTRACE(tracer, 1, "init_IpBase initializing oid " << oidText(ipv6IpForwarding_oid) << " in context \""
                                                     << context << "\"");
 
   Snmp::HandlerRegistrationPtr forwarding =
-      newScalarRegistration("ipForwarding_", handle_ipForwarding, ipForwarding_oid, context);
+      newScalarRegistration("ipForwarding_", handle_ipForwarding, ipForwarding_oid, HANDLER_CAN_RWRITE, context);
   const Quor::String8 forwardingPath =
       context.empty() ? Quor::String8(ipForwardingText.path)
-                      : Quor::format("Morvane/routing/vrf/config.vrfConfig/%s", contextText.c_str());
-  forwarding->my_reg_void = entityAt<Routing::Config>(forwardingPath.str().c_str());
+                      : Quor::format("Morvane/routing/vrf/config.vrfConfig/%s", context.str().c_str());
+  forwarding->my_reg_void =
+      entityAs<Routing::Config>(SnmpUtil::getEntityRelative(forwardingPath.str().c_str()).ptr());
   registrations.scalarIs(context, forwarding.release());
 
   Snmp::HandlerRegistrationPtr forwarding6 =
-      newScalarRegistration("ipv6IpForwarding_", handle_ipv6IpForwarding, ipv6IpForwarding_oid, context);
+      newScalarRegistration("ipv6IpForwarding_", handle_ipv6IpForwarding, ipv6IpForwarding_oid, HANDLER_CAN_RWRITE,
+                            context);
   if (!context.empty()) {
     QTRACE(tracer, 2, "init_IpBase in context \"" << context
                                                   << "\": morvanePathWithContext not specified for "
                                                      "ipv6IpForwarding; skipping registration");
   } else {
-    forwarding6->my_reg_void = entityAt<Routing6::Config>(ipv6IpForwardingText.path);
+    forwarding6->my_reg_void =
+        entityAs<Routing6::Config>(SnmpUtil::getEntityRelative(ipv6IpForwardingText.path).ptr());
     registrations.scalarIs(context, forwarding6.release());
   }
 
   initialize_table_ipAddrTable(context);
-  // ipNetToMediaTable registers here once IpMib holds the ARP table.
+  initialize_table_ipNetToMediaTable(context);
   initialize_table_ipAddressPrefixTable(context);
   initialize_table_ipAddressTable(context);
 }

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr const char* defaultPath = "snmp/ip/ipmib";
-constexpr const char* contextPathFormat = "snmp/ip/vrf.mibs/%s.ipmib";
 // An octet-string index holds an address of at most 16 bytes.
 constexpr int addressIndexBufferSize = 255;
 
@@ -153,7 +151,7 @@ IPSNMP_DEFINE_ITERATED_TABLE(ipAddressTable, IpAddressTableTraits, "IpBase")
 void initialize_table_ipAddrTable(Quor::String8 context) {
   static const IteratedTableRegistration table{
       "ipAddrTable", ipAddrTable_oid, HANDLER_CAN_RONLY, ipAddrTable_handler, ipAddrTableIndexes,
-      ipAddrTableColumns, defaultPath, contextPathFormat, entityAs<IpSnmp::IpMib>,
+      ipAddrTableColumns, ipMibDefaultPath, ipMibContextPathFormat, entityAs<IpSnmp::IpMib>,
       IPSNMP_ITERATOR_FUNCTIONS(ipAddrTable)};
   initializeIteratedTable(table, context, ipBaseRegistrations());
 }
@@ -161,7 +159,7 @@ void initialize_table_ipAddrTable(Quor::String8 context) {
 void initialize_table_ipAddressPrefixTable(Quor::String8 context) {
   static const IteratedTableRegistration table{
       "ipAddressPrefixTable", ipAddressPrefixTable_oid, HANDLER_CAN_RONLY, ipAddressPrefixTable_handler,
-      ipAddressPrefixTableIndexes, ipAddressPrefixTableColumns, defaultPath, contextPathFormat,
+      ipAddressPrefixTableIndexes, ipAddressPrefixTableColumns, ipMibDefaultPath, ipMibContextPathFormat,
       entityAs<IpSnmp::IpMib>, IPSNMP_ITERATOR_FUNCTIONS(ipAddressPrefixTable)};
   initializeIteratedTable(table, context, ipBaseRegistrations());
 }
@@ -169,7 +167,7 @@ void initialize_table_ipAddressPrefixTable(Quor::String8 context) {
 void initialize_table_ipAddressTable(Quor::String8 context) {
   static const IteratedTableRegistration table{
       "ipAddressTable", ipAddressTable_oid, HANDLER_CAN_RWRITE, ipAddressTable_handler, ipAddressTableIndexes,
-      ipAddressTableColumns, defaultPath, contextPathFormat, entityAs<IpSnmp::IpMib>,
+      ipAddressTableColumns, ipMibDefaultPath, ipMibContextPathFormat, entityAs<IpSnmp::IpMib>,
       IPSNMP_ITERATOR_FUNCTIONS(ipAddressTable)};
   initializeIteratedTable(table, context, ipBaseRegistrations());
 }

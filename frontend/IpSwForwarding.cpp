@@ -130,8 +130,8 @@ void initialize_table_oskelSwFwdIpStatsTable(Quor::String8 context) {
                                                oskelSwFwdIpStatsTable_handler,
                                                oskelSwFwdIpStatsTableIndexes,
                                                oskelSwFwdIpStatsTableColumns,
-                                               "snmp/ip/ipmib",
-                                               "snmp/ip/vrf.mibs/%s.ipmib",
+                                               ipMibDefaultPath,
+                                               ipMibContextPathFormat,
                                                entityAs<IpSnmp::IpMib>,
                                                IPSNMP_ITERATOR_FUNCTIONS(oskelSwFwdIpStatsTable),
                                                false};

@@ -42,6 +42,11 @@ struct IteratedTableRegistration {
   table##_get_first_data_point, table##_get_next_data_point, table##_make_data_context,                   \
       table##_free_data_context, table##_free_loop_context_at_end
 
+// Where the tables of the IP-MIB container find it: the default context's entity, and a VRF's with
+// "%s" standing for its name. IpBase and IpSwForwarding both serve from it.
+inline constexpr const char* ipMibDefaultPath = "snmp/ip/ipmib";
+inline constexpr const char* ipMibContextPathFormat = "snmp/ip/vrf.mibs/%s.ipmib";
+
 template <class Container>
 void* entityAs(Quor::Entity* entity) {
   return dynamic_cast<Container*>(entity);

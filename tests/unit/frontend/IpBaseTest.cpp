@@ -87,11 +87,14 @@ TEST_F(IpBaseTest, DefaultContextRegistersBothScalarsAndRemembersNothing) {
 TEST_F(IpBaseTest, VrfContextRegistersIpForwardingOnly) {
   init_IpBase("red");
   const ContextRegistrations::Registrations& kept = ipBaseRegistrations().handlerRegistrations("red");
-  // ipForwarding, then the tables.
-  ASSERT_EQ(kept.size(), 4u);
+  // ipForwarding, then the four tables in their order.
+  ASSERT_EQ(kept.size(), 5u);
   EXPECT_STREQ(kept[0]->handlerName, "ipForwarding_red");
   EXPECT_STREQ(kept[1]->handlerName, "ipAddrTable_red");
-  EXPECT_STREQ(kept[3]->handlerName, "ipAddressTable_red");
+  EXPECT_STREQ(kept[2]->handlerName, "ipNetToMediaTable_red");
+  EXPECT_STREQ(kept[3]->handlerName, "ipAddressPrefixTable_red");
+  EXPECT_STREQ(kept[4]->handlerName, "ipAddressTable_red");
+  EXPECT_STREQ(kept[2]->contextName, "red");
   EXPECT_STREQ(kept[0]->contextName, "red");
   EXPECT_EQ(kept[0]->my_reg_void, red.ptr());
   EXPECT_EQ(scalarAt("red", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), kept[0]);
@@ -122,7 +125,7 @@ TEST_F(IpBaseTest, UnregisterOfAContextNeverRegisteredChangesNothing) {
   init_IpBase("red");
   unregister_IpBase("blue");
   unregister_IpBase("");
-  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 4u);
+  EXPECT_EQ(ipBaseRegistrations().handlerRegistrations("red").size(), 5u);
   EXPECT_NE(scalarAt("", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), nullptr);
   EXPECT_NE(scalarAt("red", ipForwardingInstance, OID_LENGTH(ipForwardingInstance)), nullptr);
 }

@@ -73,6 +73,18 @@ TEST(VrfStateInteger, OnlyTheActiveStateIsOne) {
   EXPECT_EQ(integerOf(convert, 7), 2);
 }
 
+TEST(ArpEntryTypeInteger, StaticIsFourAndAnythingElseDynamic) {
+  auto convert = [](int isStatic, unsigned char* buffer, int size) {
+    Arp::ArpEntryStatus entry;
+    entry.isStatic = isStatic != 0;
+    return ArpEntryStaticToAsnInteger(entry, buffer, size);
+  };
+  EXPECT_EQ(integerOf(convert, 1), 4);
+  EXPECT_EQ(integerOf(convert, 0), 3);  // also the default entry of a neighbour that has left the table
+  unsigned char buffer[2];
+  EXPECT_LT(ArpEntryStaticToAsnInteger(Arp::ArpEntryStatus(), buffer, sizeof buffer), 0);
+}
+
 TEST(RouteTypeInteger, UnmappedTypeIsOther) {
   auto convert = [](int type, unsigned char* buffer, int size) {
     return RouteTypeToAsnInteger(static_cast<Routing::Fib::RouteType>(type), buffer, size);

@@ -3,37 +3,22 @@
 // address to its prefix row, and the refusal of SET naming the MIB's writable columns.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <sstream>
-
 #include "AgentRequests.h"
 #include "MibTree.h"
+#include "Traces.h"
 #include "frontend/IpBase.h"
-#include "platform/quor/Trace.h"
 #include "platform/snmp/ContextTeardown.h"
 
 namespace {
 
 using TableTest::Oid;
 using TableTest::oidOf;
+using TableTest::tracesOf;
+using TableTest::namesOf;
 
 const Oid ipAddressTable = oidOf("1.3.6.1.2.1.4.34");
 const Oid ipAddrTable = oidOf("1.3.6.1.2.1.4.20");
 const Oid ipAddressPrefixTable = oidOf("1.3.6.1.2.1.4.32");
-
-std::vector<std::string> namesOf(const std::vector<TableTest::Varbind>& varbinds) {
-  std::vector<std::string> names;
-  for (const auto& v : varbinds) names.push_back(TableTest::textOf(v.name));
-  return names;
-}
-
-std::string tracesOf(const std::function<void()>& run) {
-  std::ostringstream traces;
-  Quor::coverageStream_ = &traces;
-  run();
-  Quor::coverageStream_ = nullptr;
-  return traces.str();
-}
 
 class AddressTablesTest : public ::testing::Test {
  protected:

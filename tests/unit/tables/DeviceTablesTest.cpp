@@ -2,33 +2,23 @@
 // the default context only, and oskelSwFwdIpStatsTable, whose rows are the statistics entities.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <sstream>
-
 #include "AgentRequests.h"
 #include "MibTree.h"
+#include "Traces.h"
 #include "frontend/IpSwForwarding.h"
 #include "frontend/VrfBase.h"
 #include "platform/morvane/IpVrf.h"
-#include "platform/quor/Trace.h"
 #include "platform/snmp/ContextTeardown.h"
 
 namespace {
 
 using TableTest::Oid;
 using TableTest::oidOf;
+using TableTest::tracesOf;
 
 const Oid vrfTable = oidOf("1.3.6.1.4.1.48213.3.18.1.1");
 const Oid vrfIfTable = oidOf("1.3.6.1.4.1.48213.3.18.1.2");
 const Oid statsTable = oidOf("1.3.6.1.4.1.48213.3.1.1.1");
-
-std::string tracesOf(const std::function<void()>& run) {
-  std::ostringstream traces;
-  Quor::coverageStream_ = &traces;
-  run();
-  Quor::coverageStream_ = nullptr;
-  return traces.str();
-}
 
 std::size_t countOf(const std::string& text, const std::string& word) {
   std::size_t count = 0;

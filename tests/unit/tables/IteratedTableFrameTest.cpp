@@ -3,14 +3,16 @@
 // and how loop and data contexts keep their row while the table changes.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <sstream>
 
 #include "MibTree.h"
+#include "Traces.h"
 #include "frontend/IpForward.h"
 #include "platform/quor/Trace.h"
 
 namespace {
+
+using TableTest::contains;
 
 // A list of varbinds freed with its owner.
 struct Varbinds {
@@ -80,8 +82,6 @@ class IteratedTableFrameTest : public ::testing::Test {
   void* loop = nullptr;
   void* data = nullptr;
 };
-
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 TEST_F(IteratedTableFrameTest, HintOfAnExistingRowStartsAtThatRow) {
   Varbinds components;

@@ -3,19 +3,18 @@
 // gone from the agent once the context is unregistered and back when it is registered again.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "AgentRequests.h"
 #include "MibTree.h"
+#include "Traces.h"
 #include "frontend/IpForward.h"
 #include "model/ProtocolMap.h"
-#include "platform/quor/Trace.h"
 #include "platform/snmp/ContextTeardown.h"
 
 namespace {
 
 using TableTest::Oid;
 using TableTest::oidOf;
+using TableTest::tracesOf;
 
 // Column `column` of the route 10.1.2.0/24 via 192.0.2.1 (type of service 0).
 Oid column(unsigned column) {
@@ -104,14 +103,6 @@ TEST_F(RouteTableAnswersTest, AbsentRowAndUnknownColumnAreNoSuchInstanceAndObjec
   EXPECT_EQ(getOne(oidOf("1.3.6.1.2.1.4.24.4.1.5.10.1.2.0.255.255.255.0.4294967295.192.0.2.1")).type,
             SNMP_NOSUCHINSTANCE);
   EXPECT_EQ(getOne(oidOf("1.3.6.1.2.1.4.24.4.1.17.10.1.2.0.255.255.255.0.0.192.0.2.1")).type, SNMP_NOSUCHOBJECT);
-}
-
-std::string tracesOf(const std::function<void()>& run) {
-  std::ostringstream traces;
-  Quor::coverageStream_ = &traces;
-  run();
-  Quor::coverageStream_ = nullptr;
-  return traces.str();
 }
 
 TEST_F(RouteTableAnswersTest, SetOfAWritableColumnIsNotConfigured) {

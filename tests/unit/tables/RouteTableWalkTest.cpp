@@ -73,7 +73,7 @@ std::vector<Oid> walkFrom(const TableTest::AgentRequests& agent, Oid position, A
   }
 }
 
-std::vector<Oid> namesOf(const std::vector<TableTest::Varbind>& varbinds) {
+std::vector<Oid> oidsOf(const std::vector<TableTest::Varbind>& varbinds) {
   std::vector<Oid> names;
   for (const auto& v : varbinds) names.push_back(v.name);
   return names;
@@ -97,21 +97,21 @@ TEST_F(RouteTableWalkTest, WalkFollowsTheKeyOrderAcrossEveryColumn) {
   TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.1");
   TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.0");
   TableTest::addRoute(*tree.ipForwardMib, "172.16.0.0", 12, "192.0.2.9");
-  EXPECT_EQ(namesOf(agent.walk(table)), expectedWalk(*tree.ipForwardMib));
+  EXPECT_EQ(oidsOf(agent.walk(table)), expectedWalk(*tree.ipForwardMib));
 }
 
 TEST_F(RouteTableWalkTest, BulkWalkReturnsTheSameVarbindsAsAWalk) {
   TableTest::addRoutes(*tree.ipForwardMib, 23);
   const std::vector<Oid> expected = expectedWalk(*tree.ipForwardMib);
   // Seven repetitions make most answers cross a column boundary inside one request.
-  EXPECT_EQ(namesOf(agent.bulkWalk(table, 7)), expected);
-  EXPECT_EQ(namesOf(agent.bulkWalk(table, 50)), expected);
+  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 7)), expected);
+  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 50)), expected);
 }
 
 TEST_F(RouteTableWalkTest, WalkWithoutHintsGivesTheSameAnswers) {
   TableTest::addRoutes(*tree.ipForwardMib, 9);
   iteratorHintsEnabledIs(false);
-  EXPECT_EQ(namesOf(agent.bulkWalk(table, 10)), expectedWalk(*tree.ipForwardMib));
+  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 10)), expectedWalk(*tree.ipForwardMib));
 }
 
 // Counts the steps that the frame takes along the table while `run` requests.

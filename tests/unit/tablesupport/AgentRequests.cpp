@@ -68,6 +68,12 @@ bool isBelow(const Oid& name, const Oid& root) {
   return name.size() > root.size() && std::equal(root.begin(), root.end(), name.begin());
 }
 
+std::vector<std::string> namesOf(const std::vector<Varbind>& varbinds) {
+  std::vector<std::string> names;
+  for (const Varbind& v : varbinds) names.push_back(textOf(v.name));
+  return names;
+}
+
 Response AgentRequests::request(int command, const std::vector<Oid>& names, int maxRepetitions,
                                 const Varbind* setValue) const {
   netsnmp_session session{};

@@ -55,5 +55,7 @@ class AgentRequests {
 
 // Whether `name` lies below `root`.
 bool isBelow(const Oid& name, const Oid& root);
+// The names of `varbinds` as text, in their order.
+std::vector<std::string> namesOf(const std::vector<Varbind>& varbinds);
 
 }  // namespace TableTest
