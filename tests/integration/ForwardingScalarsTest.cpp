@@ -2,15 +2,14 @@
 // configuration, following edits of the scenario without a restart, refusing every SET, per VRF
 // context for ipForwarding, and a VRF context that goes away and comes back.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <functional>
 #include <map>
 #include <thread>
 #include <vector>
 
 #include "AgentUnderTest.h"
+#include "Eventually.h"
 
 namespace IntegrationTest {
 namespace {
@@ -33,16 +32,6 @@ std::string scenario(bool ipv4, bool ipv6, const std::map<std::string, bool>& vr
   return text + "snmp:\n  initialized: true\n";
 }
 
-// Polls `condition` until it holds or `seconds` have passed.
-bool eventually(const std::function<bool()>& condition, double seconds = 15.0) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  }
-  return true;
-}
-
 std::size_t occurrences(const std::string& text, const std::string& what) {
   std::size_t count = 0;
   for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++count;
@@ -56,8 +45,6 @@ std::vector<std::string> walked(const ToolOutput& walk, const std::string& oid) 
     if (vb.oid == oid) values.push_back(vb.value);
   return values;
 }
-
-bool toolsInstalled() { return ::access("/usr/sbin/snmpd", X_OK) == 0 && ::access("/usr/bin/snmpget", X_OK) == 0; }
 
 class ForwardingScalarsTest : public ::testing::Test {
  protected:

@@ -25,6 +25,8 @@ std::optional<Varbind> parseVarbind(const std::string& line) {
   const auto colon = rest.find(": ");
   vb.type = rest.substr(0, colon);
   vb.value = colon == std::string::npos ? std::string() : rest.substr(colon + 2);
+  // A Hex-STRING ends in a blank.
+  vb.value.erase(vb.value.find_last_not_of(' ') + 1);
   return vb;
 }
 

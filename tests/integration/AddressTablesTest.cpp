@@ -1,0 +1,271 @@
+// ipAddrTable, ipAddressPrefixTable and ipAddressTable in the real snmpd, filled by the address
+// machines from a scenario file: every walk is the rows that the scenario's addresses imply, cell for
+// cell and in OID order across every column boundary, a bulk walk is the same walk, any GET or GETNEXT
+// gets the one right answer whatever its index, the RowPointer of an address leads to its prefix
+// row, a VRF's context shows that VRF's addresses, edits of the file while the agent runs show in the
+// next walk, and SET is refused.
+#include <gtest/gtest.h>
+
+#include "AgentUnderTest.h"
+#include "ExpectedTable.h"
+#include "SharedAgentTest.h"
+#include "TableChecks.h"
+
+namespace IntegrationTest {
+namespace {
+
+const Credentials publicCommunity = Credentials::v2c("public");
+const std::string ipAddrTable = ".1.3.6.1.2.1.4.20";
+const std::string ipAddressPrefixTable = ".1.3.6.1.2.1.4.32";
+const std::string ipAddressTable = ".1.3.6.1.2.1.4.34";
+
+// An address of an interface as the scenario gives it.
+struct Address {
+  unsigned ifIndex;
+  std::string address;
+  unsigned length;
+  bool ipv6() const { return address.find(':') != std::string::npos; }
+};
+
+// The default VRF's interfaces; Ethernet2 is in red. A link-local address makes no row.
+const std::string interfaces =
+    "interfaces:\n"
+    "  Management1:\n"
+    "    kind: management\n"
+    "    ifIndex: 999001\n"
+    "    config: { ipv4: 192.0.2.10/24 }\n"
+    "    status: { ipv4: 192.0.2.10/24 }\n"
+    "  Ethernet1:\n"
+    "    ifIndex: 1\n"
+    "    config: { ipv4: 10.0.1.1/24, ipv6: [2001:db8:0:1::1/64] }\n"
+    "    status: { ipv4: 10.0.1.1/24, ipv6: [2001:db8:0:1::1/64, fe80::21c:73ff:fe00:101/64] }\n"
+    "  Ethernet2:\n"
+    "    ifIndex: 2\n"
+    "    config: { vrf: red, ipv4: 10.0.2.1/24 }\n"
+    "    status: { vrf: red, ipv4: 10.0.2.1/24 }\n"
+    "  Ethernet4:\n"
+    "    ifIndex: 4\n"
+    "    config: { ipv4: 10.4.0.1/16 }\n"
+    "    status: { ipv4: 10.4.0.1/16 }\n"
+    "  Loopback0:\n"
+    "    kind: loopback\n"
+    "    ifIndex: 5000\n"
+    "    config: { ipv4: 10.255.0.1/32 }\n"
+    "    status: { ipv4: 10.255.0.1/32 }\n";
+
+const std::vector<Address> defaultVrfAddresses = {{999001, "192.0.2.10", 24},
+                                                  {1, "10.0.1.1", 24},
+                                                  {1, "2001:db8:0:1::1", 64},
+                                                  {4, "10.4.0.1", 16},
+                                                  {5000, "10.255.0.1", 32}};
+const std::vector<Address> redAddresses = {{2, "10.0.2.1", 24}};
+
+// Ethernet5, which the editing test adds and takes away again.
+const std::string ethernet5 =
+    "  Ethernet5:\n"
+    "    ifIndex: 5\n"
+    "    config: { ipv4: 10.0.5.1/24, ipv6: [2001:db8:0:5::1/64] }\n"
+    "    status: { ipv4: 10.0.5.1/24, ipv6: [2001:db8:0:5::1/64] }\n";
+const std::vector<Address> ethernet5Addresses = {{5, "10.0.5.1", 24}, {5, "2001:db8:0:5::1", 64}};
+
+std::string switchScenario(const std::string& moreInterfaces = "") {
+  return "routing:\n  ipv4: true\n  ipv6: true\n"
+         "vrfs:\n"
+         "  red:\n"
+         "    routing: { ipv4: true }\n"
+         "    published: true\n"
+         "    config: { routeDistinguisher: \"65000:100\" }\n"
+         "    status: { state: active, namespace: ns-red }\n" +
+         interfaces + moreInterfaces + "snmp:\n  initialized: true\n";
+}
+
+std::string prefixIndex(const Address& a) {
+  return "." + std::to_string(a.ifIndex) + (a.ipv6() ? ".2." : ".1.") + addressIndex(subnetOf(a.address, a.length), true) +
+         "." + std::to_string(a.length);
+}
+
+ExpectedTable ipAddrTableOf(const std::vector<Address>& addresses) {
+  ExpectedTable table(ipAddrTable, {1, 2, 3, 4, 5});
+  for (const Address& a : addresses) {
+    if (a.ipv6()) continue;
+    const std::string index = "." + addressIndex(a.address, false);
+    table.cellIs(1, index, "IpAddress", a.address);
+    table.cellIs(2, index, "INTEGER", std::to_string(a.ifIndex));
+    table.cellIs(3, index, "IpAddress", ipv4Mask(a.length));
+    table.cellIs(4, index, "INTEGER", "0");
+    table.cellIs(5, index, "INTEGER", "65535");
+  }
+  return table;
+}
+
+// One row per prefix and interface, all of whose columns are constants.
+ExpectedTable ipAddressPrefixTableOf(const std::vector<Address>& addresses) {
+  ExpectedTable table(ipAddressPrefixTable, {5, 6, 7, 8, 9});
+  for (const Address& a : addresses) {
+    const std::string index = prefixIndex(a);
+    table.cellIs(5, index, "INTEGER", "1");
+    table.cellIs(6, index, "INTEGER", "1");
+    table.cellIs(7, index, "INTEGER", "2");
+    table.cellIs(8, index, "Gauge32", "4294967295");
+    table.cellIs(9, index, "Gauge32", "4294967295");
+  }
+  return table;
+}
+
+ExpectedTable ipAddressTableOf(const std::vector<Address>& addresses) {
+  ExpectedTable table(ipAddressTable, {3, 4, 5, 6, 7, 8, 9, 10, 11});
+  for (const Address& a : addresses) {
+    const std::string index = (a.ipv6() ? ".2." : ".1.") + addressIndex(a.address, true);
+    table.cellIs(3, index, "INTEGER", std::to_string(a.ifIndex));
+    table.cellIs(4, index, "INTEGER", "1");
+    table.cellIs(5, index, "OID", ipAddressPrefixTable + ".1.5" + prefixIndex(a));
+    table.cellIs(6, index, "INTEGER", "1");
+    table.cellIs(7, index, "INTEGER", "1");
+    table.cellIs(8, index, "Timeticks", "(0) 0:00:00.00");
+    table.cellIs(9, index, "Timeticks", "(0) 0:00:00.00");
+    table.cellIs(10, index, "INTEGER", "1");
+    table.cellIs(11, index, "INTEGER", "1");
+  }
+  return table;
+}
+
+std::vector<Address> joined(std::vector<Address> a, const std::vector<Address>& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+// Probes below `column` of `table`: each index after the column number.
+std::vector<std::string> probesOf(const std::string& table, unsigned column, const std::vector<std::string>& indexes) {
+  std::vector<std::string> probes;
+  for (const std::string& index : indexes) probes.push_back(table + ".1." + std::to_string(column) + index);
+  return probes;
+}
+
+class AddressTablesTest : public SharedAgentTest<AddressTablesTest> {
+ public:
+  static std::string scenario() { return switchScenario(); }
+};
+
+TEST_F(AddressTablesTest, Ipv4AddressTableIsTheScenariosIpv4Addresses) {
+  expectWalk(*agent, ipAddrTableOf(defaultVrfAddresses));
+}
+
+TEST_F(AddressTablesTest, PrefixTableHasOneRowPerPrefixAndInterface) {
+  expectWalk(*agent, ipAddressPrefixTableOf(defaultVrfAddresses));
+}
+
+TEST_F(AddressTablesTest, AddressTableListsIpv4BeforeIpv6WithoutLinkLocal) {
+  expectWalk(*agent, ipAddressTableOf(defaultVrfAddresses));
+}
+
+TEST_F(AddressTablesTest, VrfContextShowsItsOwnAddressesOnly) {
+  expectWalk(*agent, ipAddrTableOf(redAddresses), Credentials::v3("red"));
+  expectWalk(*agent, ipAddressTableOf(redAddresses), Credentials::v2c("public@red"));
+}
+
+TEST_F(AddressTablesTest, Ipv4AddressTableAnswersAnyIndexRightly) {
+  const ExpectedTable table = ipAddrTableOf(defaultVrfAddresses);
+  std::vector<std::string> probes = probesOf(ipAddrTable, 2,
+                                             {".10.0.1.1",        // a row
+                                              ".10.0.2.0",        // between rows
+                                              ".0.0.0.0",         // before the first
+                                              ".192.0.2.10",      // the last row
+                                              ".255.255.255.255", // past the end
+                                              ".10.0.1",          // too short
+                                              ".10.0.1.1.5",      // too long
+                                              ".10.0.1.256",      // out of range for an octet
+                                              ".10.4294967295"});
+  for (const std::string& other : {ipAddrTable + ".1.5.192.0.2.10", ipAddrTable + ".1.0.1", ipAddrTable + ".1.6.10.0.1.1",
+                                   ipAddrTable + ".1.1"})
+    probes.push_back(other);
+  expectRightAnswers(*agent, table, probes);
+}
+
+TEST_F(AddressTablesTest, AddressTableAnswersAnyIndexRightly) {
+  const ExpectedTable table = ipAddressTableOf(defaultVrfAddresses);
+  std::vector<std::string> probes = probesOf(ipAddressTable, 3,
+                                             {".1.4.10.0.1.1",        // a row
+                                              ".1.4.10.0.1.2",        // between rows
+                                              ".3.4.10.0.1.1",        // an address type that does not exist
+                                              ".0",                   // type unknown, nothing after it
+                                              ".1.5.10.0.1.1.0",      // IPv4 with five bytes
+                                              ".1.3.10.0.1",          // IPv4 with three bytes
+                                              ".2.4.10.0.1.1",        // IPv6 with four bytes
+                                              ".1.4.10.0.1.300",      // a byte out of range
+                                              ".1.4294967295",        // a length no address has
+                                              ".2.16.32.1.13.184.0.0.0.1.0.0.0.0.0.0.0.1",  // the IPv6 row
+                                              ".2.17.32.1.13.184.0.0.0.1.0.0.0.0.0.0.0.1.0"});
+  for (const std::string& other : {ipAddressTable + ".1.11.2.16.32.1.13.184.0.0.0.1.0.0.0.0.0.0.0.1",
+                                   ipAddressTable + ".1.2.1.4.10.0.1.1", ipAddressTable + ".1.12"})
+    probes.push_back(other);
+  expectRightAnswers(*agent, table, probes);
+}
+
+TEST_F(AddressTablesTest, PrefixTableAnswersAnyIndexRightly) {
+  const ExpectedTable table = ipAddressPrefixTableOf(defaultVrfAddresses);
+  const std::vector<std::string> probes =
+      probesOf(ipAddressPrefixTable, 5,
+               {".1.1.4.10.0.1.0.24",             // a row
+                ".1.1.4.10.0.1.0.25",             // the same subnet with another length
+                ".1.1.4.10.0.1.0",                // no length
+                ".1.1.4.10.0.1.0.4294967295",     // a length out of range
+                ".1.3.4.10.0.1.0.24",             // an address type that does not exist
+                ".2147483648.1.4.10.0.1.0.24",    // an interface index beyond INTEGER
+                ".4.1.4.10.4.0.0.16",             // a row
+                ".999001.1.4.192.0.2.0.24",       // the last row of the column
+                ".999001.1.4.192.0.2.0.24.1"});   // past it
+  expectRightAnswers(*agent, table, probes);
+}
+
+TEST_F(AddressTablesTest, PrefixPointerOfEachAddressLeadsToItsPrefixRow) {
+  const std::vector<Varbind> pointers = agent->tools().walk(publicCommunity, ipAddressTable + ".1.5").varbinds;
+  ASSERT_EQ(pointers.size(), defaultVrfAddresses.size());
+  std::vector<std::string> targets;
+  for (const Varbind& pointer : pointers) {
+    ASSERT_EQ(pointer.type, "OID") << lineOf(pointer);
+    targets.push_back(pointer.value);
+  }
+  const std::vector<Varbind> origins = agent->tools().get(publicCommunity, targets).varbinds;
+  ASSERT_EQ(origins.size(), targets.size());
+  for (std::size_t i = 0; i < origins.size(); ++i)
+    EXPECT_EQ(lineOf(origins[i]), targets[i] + " = INTEGER: 1") << "from " << pointers[i].oid;
+}
+
+TEST_F(AddressTablesTest, SetOfAnyAddressTableIsNotWritableAndChangesNothing) {
+  const std::pair<std::string, std::string> sets[] = {
+      {ipAddrTable + ".1.2.10.0.1.1", "7"},
+      {ipAddressPrefixTable + ".1.5.1.1.4.10.0.1.0.24", "2"},
+      {ipAddressTable + ".1.10.1.4.10.0.1.1", "6"},  // destroy
+      {ipAddressTable + ".1.6.1.4.10.0.1.1", "2"},
+      {ipAddressTable + ".1.10.1.4.10.9.9.9", "4"},  // createAndGo of a new row
+  };
+  for (const auto& [oid, value] : sets) {
+    ToolOutput refused = agent->tools().set(publicCommunity, oid, "i", value);
+    EXPECT_EQ(refused.error, "notWritable") << refused.run.output;
+  }
+  expectWalk(*agent, ipAddressTableOf(defaultVrfAddresses));
+  EXPECT_TRUE(agent->running());
+}
+
+// The agent follows edits of the scenario file; the test has an agent of its own.
+TEST(AddressEditsTest, AddressAddedWhileRunningAppearsAndGoesAgainWhenRemoved) {
+  if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+  AgentUnderTest agent(switchScenario());
+  ASSERT_TRUE(agent.ready()) << agent.diagnostics();
+
+  agent.scenarioIs(switchScenario(ethernet5));
+  const std::vector<Address> more = joined(defaultVrfAddresses, ethernet5Addresses);
+  EXPECT_TRUE(eventually([&] { return walksAs(agent, ipAddressTableOf(more)); }))
+      << "the new addresses did not appear\n" << agent.diagnostics();
+  expectWalk(agent, ipAddrTableOf(more));
+  expectWalk(agent, ipAddressPrefixTableOf(more));
+
+  agent.scenarioIs(switchScenario());
+  EXPECT_TRUE(eventually([&] { return walksAs(agent, ipAddressTableOf(defaultVrfAddresses)); }))
+      << "the removed addresses stayed\n" << agent.diagnostics();
+  expectWalk(agent, ipAddrTableOf(defaultVrfAddresses));
+  expectWalk(agent, ipAddressPrefixTableOf(defaultVrfAddresses));
+}
+
+}  // namespace
+}  // namespace IntegrationTest

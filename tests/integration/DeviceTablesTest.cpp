@@ -1,0 +1,192 @@
+// The private tables in the real snmpd: oskelSwFwdIpStatsTable with the kernel's own counters of this
+// machine, one row per IP version in the default context and the IPv4 row alone in a VRF's;
+// oskelVrfTable and oskelVrfIfTable, which describe the whole switch, in the default context and in no
+// other; and SET refused on all three.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <chrono>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "AgentUnderTest.h"
+#include "ExpectedTable.h"
+#include "SharedAgentTest.h"
+
+namespace IntegrationTest {
+namespace {
+
+const Credentials publicCommunity = Credentials::v2c("public");
+const std::string statsTable = ".1.3.6.1.4.1.48213.3.1.1.1";
+const std::string vrfTable = ".1.3.6.1.4.1.48213.3.18.1.1";
+const std::string vrfIfTable = ".1.3.6.1.4.1.48213.3.18.1.2";
+
+const char* const switchScenario =
+    "routing:\n  ipv4: true\n  ipv6: true\n"
+    "vrfs:\n"
+    "  red:\n"
+    "    routing: { ipv4: true }\n"
+    "    published: true\n"
+    "    config: { routeDistinguisher: \"65000:100\" }\n"
+    "    status: { state: active, namespace: ns-red }\n"
+    "  blue:\n"
+    "    routing: { ipv4: false }\n"
+    "    published: true\n"
+    "    config: { routeDistinguisher: \"65000:200\" }\n"
+    "    status: { state: active, namespace: ns-blue }\n"
+    "interfaces:\n"
+    "  Ethernet1:\n    ifIndex: 1\n    config: { ipv4: 10.0.1.1/24 }\n    status: { ipv4: 10.0.1.1/24 }\n"
+    "  Ethernet2:\n    ifIndex: 2\n    config: { vrf: red }\n    status: { vrf: red }\n"
+    "  Ethernet3:\n    ifIndex: 3\n    config: { vrf: blue }\n    status: { vrf: blue }\n"
+    "snmp:\n  initialized: true\n";
+
+// The columns of the statistics table that are 64 bits wide; the others up to 45 are 32 bits wide.
+const std::set<unsigned> counter64Columns = {4, 6, 13, 19, 21, 24, 31, 33, 35, 37, 39, 41, 43, 45};
+
+// One counter of a /proc/net file: "Ip:" header and value lines for IPv4, name and value per line
+// for IPv6.
+unsigned long long kernelCounter(const std::string& file, const std::string& name) {
+  std::ifstream in(file);
+  std::map<std::string, unsigned long long> counters;
+  for (std::string line, values; std::getline(in, line);) {
+    if (line.rfind("Ip: ", 0) == 0 && std::getline(in, values)) {
+      std::istringstream names(line.substr(4)), numbers(values.substr(4));
+      std::string n;
+      unsigned long long v;
+      while (names >> n && numbers >> v) counters[n] = v;
+    } else {
+      std::istringstream pair(line);
+      std::string n;
+      unsigned long long v;
+      if (pair >> n >> v) counters[n] = v;
+    }
+  }
+  return counters.at(name);
+}
+
+std::string statsCell(unsigned column, unsigned ipVersion) {
+  return statsTable + ".1." + std::to_string(column) + "." + std::to_string(ipVersion);
+}
+
+class DeviceTablesTest : public SharedAgentTest<DeviceTablesTest> {
+ public:
+  static std::string scenario() { return switchScenario; }
+
+ protected:
+  // The value of a GET, or the exception or failure in its place.
+  static std::string valueOf(const std::string& oid, const Credentials& who = publicCommunity) {
+    std::optional<Varbind> vb = agent->tools().getOne(who, oid);
+    return vb ? (vb->value.empty() ? vb->type : vb->value) : "no answer";
+  }};
+
+TEST_F(DeviceTablesTest, StatisticsHaveARowPerIpVersionWithTheTypesOfTheirColumns) {
+  const std::vector<Varbind> walk = agent->tools().walk(publicCommunity, statsTable).varbinds;
+  ASSERT_EQ(walk.size(), 2u * 45u);
+  for (unsigned column = 3; column <= 47; ++column) {
+    for (unsigned version : {1u, 2u}) {
+      const Varbind& vb = walk[2 * (column - 3) + (version - 1)];
+      EXPECT_EQ(vb.oid, statsCell(column, version));
+      const char* type = column == 46                    ? "Timeticks"
+                         : column == 47                  ? "Gauge32"
+                         : counter64Columns.count(column) ? "Counter64"
+                                                          : "Counter32";
+      EXPECT_EQ(vb.type, type) << vb.oid;
+    }
+  }
+  std::vector<std::string> bulkNames, walkNames;
+  for (const Varbind& vb : agent->tools().bulkWalk(publicCommunity, statsTable).varbinds) bulkNames.push_back(vb.oid);
+  for (const Varbind& vb : walk) walkNames.push_back(vb.oid);
+  EXPECT_EQ(bulkNames, walkNames);
+}
+
+// Each counter is answered between two reads of the kernel's file, which lie more than the half
+// second of the agent's freshness before and after the GET, so that the agent reads the files anew.
+TEST_F(DeviceTablesTest, CountersAreThoseOfTheKernel) {
+  struct Counter {
+    std::string oid;
+    const char* file;
+    const char* name;
+    unsigned long long modulo;  // 2^32 for a Counter32
+  };
+  const Counter counters[] = {{statsCell(3, 1), "/proc/net/snmp", "InReceives", 1ull << 32},
+                              {statsCell(4, 1), "/proc/net/snmp", "InReceives", ~0ull},
+                              {statsCell(20, 1), "/proc/net/snmp", "OutRequests", 1ull << 32},
+                              {statsCell(4, 2), "/proc/net/snmp6", "Ip6InReceives", ~0ull}};
+  std::vector<unsigned long long> before;
+  std::vector<std::string> oids;
+  for (const Counter& c : counters) {
+    before.push_back(kernelCounter(c.file, c.name) % c.modulo);
+    oids.push_back(c.oid);
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(600));
+  const std::vector<Varbind> answered = agent->tools().get(publicCommunity, oids).varbinds;
+  ASSERT_EQ(answered.size(), oids.size());
+  for (std::size_t i = 0; i < answered.size(); ++i) {
+    const Counter& c = counters[i];
+    const std::string& value = answered[i].value;
+    ASSERT_TRUE(!value.empty() && std::isdigit(static_cast<unsigned char>(value[0]))) << lineOf(answered[i]);
+    EXPECT_GE(std::stoull(value), before[i]) << c.oid << " against " << c.name;
+    EXPECT_LE(std::stoull(value), kernelCounter(c.file, c.name) % c.modulo) << c.oid << " against " << c.name;
+  }
+  // This test's own requests reach the agent over IPv4: that count cannot be zero.
+  EXPECT_NE(answered[0].value, "0");
+  // The IPv4 octet counters are not read from the kernel.
+  EXPECT_EQ(valueOf(statsCell(5, 1)), "0");
+}
+
+TEST_F(DeviceTablesTest, DiscontinuityTimeIsZeroAndRefreshRateHalfASecond) {
+  for (unsigned version : {1u, 2u}) {
+    EXPECT_EQ(valueOf(statsCell(46, version)), "(0) 0:00:00.00");
+    EXPECT_EQ(valueOf(statsCell(47, version)), "500");
+  }
+}
+
+TEST_F(DeviceTablesTest, VrfContextHasTheIpv4StatisticsRowOnly) {
+  const std::vector<Varbind> column = agent->tools().walk(Credentials::v3("red"), statsTable + ".1.47").varbinds;
+  ASSERT_EQ(column.size(), 1u);
+  EXPECT_EQ(lineOf(column[0]), statsCell(47, 1) + " = Gauge32: 500");
+}
+
+TEST_F(DeviceTablesTest, VrfTablesDescribeEveryVrfInTheDefaultContext) {
+  ExpectedTable vrfs(vrfTable, {2, 3, 4});
+  // The name is the index with its length first: "red" comes before "blue".
+  vrfs.cellIs(2, ".3.114.101.100", "Hex-STRING", "80");
+  vrfs.cellIs(3, ".3.114.101.100", "STRING", "\"65000:100\"");
+  vrfs.cellIs(4, ".3.114.101.100", "INTEGER", "1");
+  vrfs.cellIs(2, ".4.98.108.117.101", "Hex-STRING", "00");
+  vrfs.cellIs(3, ".4.98.108.117.101", "STRING", "\"65000:200\"");
+  vrfs.cellIs(4, ".4.98.108.117.101", "INTEGER", "1");
+  EXPECT_EQ(linesOf(agent->tools().walk(publicCommunity, vrfTable).varbinds), linesOf(vrfs.walk()));
+  EXPECT_EQ(linesOf(agent->tools().bulkWalk(publicCommunity, vrfTable).varbinds), linesOf(vrfs.walk()));
+
+  ExpectedTable memberships(vrfIfTable, {1});
+  memberships.cellIs(1, ".2", "STRING", "\"red\"");
+  memberships.cellIs(1, ".3", "STRING", "\"blue\"");
+  EXPECT_EQ(linesOf(agent->tools().walk(publicCommunity, vrfIfTable).varbinds), linesOf(memberships.walk()));
+}
+
+TEST_F(DeviceTablesTest, VrfTablesAreNoSuchObjectInAVrfContext) {
+  for (const Credentials& who : {Credentials::v3("red"), Credentials::v2c("public@blue")}) {
+    EXPECT_EQ(valueOf(vrfTable + ".1.4.3.114.101.100", who), "noSuchObject");
+    EXPECT_EQ(valueOf(vrfIfTable + ".1.1.2", who), "noSuchObject");
+    // The context ends before the subtree: the walk's one answer is endOfMibView.
+    ToolOutput walk = agent->tools().walk(who, ".1.3.6.1.4.1.48213.3.18");
+    EXPECT_EQ(walk.run.exitStatus, 0) << walk.run.output;
+    EXPECT_TRUE(walk.varbinds.empty()) << walk.run.output;
+  }
+}
+
+TEST_F(DeviceTablesTest, SetOfAnyDeviceTableIsNotWritable) {
+  for (const std::string& oid : {vrfTable + ".1.4.3.114.101.100", vrfIfTable + ".1.1.2", statsCell(47, 1)}) {
+    ToolOutput refused = agent->tools().set(publicCommunity, oid, "i", "2");
+    EXPECT_EQ(refused.error, "notWritable") << refused.run.output;
+  }
+  EXPECT_EQ(valueOf(vrfTable + ".1.4.3.114.101.100"), "1");
+  EXPECT_EQ(valueOf(statsCell(47, 1)), "500");
+}
+
+}  // namespace
+}  // namespace IntegrationTest

@@ -1,0 +1,56 @@
+#pragma once
+// A table as the test knows it must be served: its cells as the tools print them. From them follow
+// the walk, in OID order across every column boundary, and the one right answer to any GET or
+// GETNEXT, whatever the index of the request: an existing row, one between rows, past the end, or an
+// index that no row can have (too short, too long, a sub-identifier out of range).
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "SnmpTools.h"
+
+namespace IntegrationTest {
+
+using OidParts = std::vector<unsigned long>;
+
+// ".1.3.6.1" as numbers.
+OidParts oidParts(const std::string& oid);
+// The dotted form of an IPv4 or IPv6 address's bytes as an index: "10.0.1.1", or "16.32.1..." with
+// the length first when `withLength`.
+std::string addressIndex(const std::string& address, bool withLength);
+// The address with its host bits cleared, as text.
+std::string subnetOf(const std::string& address, unsigned prefixLength);
+// The IPv4 netmask of a prefix length: "255.255.255.0".
+std::string ipv4Mask(unsigned prefixLength);
+
+class ExpectedTable {
+ public:
+  // `root` is the table object (".1.3.6.1.2.1.4.20"), `columns` those the table serves.
+  ExpectedTable(std::string root, std::set<unsigned> columns);
+
+  // The cell of `column` in the row with `index` (".10.0.1.1").
+  void cellIs(unsigned column, const std::string& index, const std::string& type, const std::string& value);
+
+  const std::string& root() const noexcept { return root_; }
+  // Every cell, in the order of a walk.
+  std::vector<Varbind> walk() const;
+  // The answer to a GETNEXT of `oid`: the first cell after it, or nothing when the request must leave
+  // the table.
+  std::optional<Varbind> next(const std::string& oid) const;
+  // The answer to a GET of `oid`: the cell; else noSuchInstance for the OID of a served column or one
+  // below it, and noSuchObject for any other.
+  Varbind get(const std::string& oid) const;
+
+ private:
+  std::string root_;
+  std::set<unsigned> columns_;
+  std::map<OidParts, Varbind> cells_;
+};
+
+// "OID = TYPE: VALUE" per varbind, so that a difference shows at a glance in a failure.
+std::vector<std::string> linesOf(const std::vector<Varbind>& varbinds);
+std::string lineOf(const Varbind& varbind);
+
+}  // namespace IntegrationTest
