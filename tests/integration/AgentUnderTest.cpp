@@ -42,15 +42,16 @@ void writeFile(const std::string& path, const std::string& text) {
 
 }  // namespace
 
-AgentUnderTest::AgentUnderTest(const std::string& scenario)
+AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& tables)
     : dir_(newDirectory()),
       scenarioPath_(dir_ + "/scenario.yaml"),
       address_("127.0.0.1:" + std::to_string(freeLoopbackPort())),
       tools_(address_) {
   writeFile(scenarioPath_, scenario);
-  process_ = std::make_unique<BackgroundProcess>(std::vector<std::string>{
-      IPSNMP_AGENT_LAUNCHER, "--scenario", scenarioPath_, "--listen", "udp:" + address_, "--log",
-      dir_ + "/snmpd.log", "--trace", "Snmp:0-2"});
+  std::vector<std::string> argv{IPSNMP_AGENT_LAUNCHER, "--scenario", scenarioPath_, "--listen", "udp:" + address_,
+                                "--log", dir_ + "/snmpd.log", "--trace", "Snmp:0-2"};
+  if (!tables.empty()) argv.insert(argv.end(), {"--tables", tables});
+  process_ = std::make_unique<BackgroundProcess>(argv);
   ready_ = process_->waitForLine("ready", 60.0);
 }
 

@@ -12,8 +12,9 @@ namespace IntegrationTest {
 
 class AgentUnderTest {
  public:
-  // Starts the launcher and waits for its "ready"; ready() tells whether it came.
-  explicit AgentUnderTest(const std::string& scenario);
+  // Starts the launcher and waits for its "ready"; ready() tells whether it came. `tables` is the
+  // root of the shared-memory tables, for a test that writes them itself (default: a private one).
+  explicit AgentUnderTest(const std::string& scenario, const std::string& tables = "");
   ~AgentUnderTest();
   AgentUnderTest(const AgentUnderTest&) = delete;
   AgentUnderTest& operator=(const AgentUnderTest&) = delete;

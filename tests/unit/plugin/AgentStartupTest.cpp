@@ -7,6 +7,8 @@
 #include <filesystem>
 
 #include "frontend/IpBase.h"
+#include "frontend/IpForward.h"
+#include "frontend/IpSwForwarding.h"
 #include "model/VrfMibs.h"
 #include "platform/snmp/NetSnmp.h"
 #include "platform/snmp/SnmpUtil.h"
@@ -94,6 +96,25 @@ TEST_F(AgentStartupTest, StateTwoTearsTheVrfDownAndStateZeroBringsItBackFresh) {
   ASSERT_NE(second, nullptr);
   EXPECT_NE(second, first) << "fresh containers";
   EXPECT_NE(servedConfig("red"), nullptr);
+}
+
+TEST_F(AgentStartupTest, ManyCyclesLeaveNoRegistrationOrColumnListBehind) {
+  store.snmpStatus->initializedIs(true);
+  auto status = vrf("red", Ip::vrfStateInitializing);
+  start();
+  const Quor::String8 red("red");
+  for (int cycle = 0; cycle < 1000; ++cycle) {
+    ASSERT_FALSE(ipBaseRegistrations().columnInfos(red).empty()) << "cycle " << cycle;
+    status->stateIs(Ip::vrfStateDeleting);
+    ASSERT_EQ(netsnmp_subtree_find_first("red"), nullptr) << "cycle " << cycle;
+    for (const ContextRegistrations* unit : std::initializer_list<const ContextRegistrations*>{
+             &ipBaseRegistrations(), &ipForwardRegistrations(), &ipSwForwardingRegistrations()}) {
+      ASSERT_EQ(unit->contexts(), 0u) << "cycle " << cycle;
+      ASSERT_TRUE(unit->columnInfos(red).empty()) << "cycle " << cycle;
+    }
+    status->stateIs(Ip::vrfStateInitializing);
+    ASSERT_NE(servedConfig("red"), nullptr) << "cycle " << cycle;
+  }
 }
 
 TEST_F(AgentStartupTest, OtherStatesChangeNothing) {

@@ -1,0 +1,120 @@
+// A VRF in the real snmpd, driven by the scenario and the shared-memory tables: its context exists
+// only after the agent is initialized, then answers every table with the VRF's own rows; state 3
+// changes nothing, state 2 takes the context away, and the VRF comes back; its neighbours show once
+// its VRF id arrives, and those of an unknown id nowhere.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+#include "VrfScenario.h"
+
+namespace IntegrationTest {
+namespace {
+
+const Credentials defaultContext = Credentials::v2c("public");
+const Credentials redContext = Credentials::v3("red");
+
+class VrfLifecycleTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+  }
+  void TearDown() override {
+    if (agent && HasFailure()) std::cerr << agent->diagnostics();
+  }
+  void start(const std::string& scenario) {
+    agent = std::make_unique<AgentUnderTest>(scenario, tables.path());
+    ASSERT_TRUE(agent->ready()) << agent->diagnostics();
+  }
+  // Red's context answers; a context the agent does not know gets no answer at all.
+  bool redAnswers() const {
+    std::optional<Varbind> vb = agent->tools().impatient().getOne(redContext, ipForwarding);
+    return vb && vb->type == "INTEGER";
+  }
+  bool redHasRow() const {
+    std::optional<Varbind> vb = agent->tools().getOne(defaultContext, redVrfState);
+    return vb && vb->type == "INTEGER";
+  }
+  std::vector<std::string> rows(const Credentials& who, const char* table) const {
+    return rowIndexes(agent->tools().bulkWalk(who, table), table);
+  }
+
+  TableRoot tables;
+  std::unique_ptr<AgentUnderTest> agent;
+};
+
+TEST_F(VrfLifecycleTest, ContextsComeAfterInitializationAndAnswerEveryTableWithTheVrfsRows) {
+  ASSERT_EQ(tables.writeRed(true), "");
+  ASSERT_EQ(tables.write({"arp put 8 Ethernet2 10.0.2.8 00:1c:73:00:00:08"}), "");
+  start(redScenario("active", false));
+  EXPECT_FALSE(redAnswers()) << "no VRF context before the agent is initialized";
+
+  agent->scenarioIs(redScenario("active", true));
+  ASSERT_TRUE(eventually([&] { return redAnswers(); }, 10));
+  EXPECT_EQ(rows(redContext, ipAddrTable), std::vector<std::string>{redAddress});
+  EXPECT_EQ(rows(redContext, ipNetToMediaTable), std::vector<std::string>{redNeighbour});
+  ASSERT_TRUE(eventually([&] { return !rows(redContext, ipCidrRouteTable).empty(); }, 5));
+  EXPECT_EQ(rows(redContext, ipCidrRouteTable), std::vector<std::string>{redRoute});
+  EXPECT_FALSE(rows(redContext, ipAddressTable).empty());
+  EXPECT_FALSE(rows(redContext, ipAddressPrefixTable).empty());
+  EXPECT_FALSE(rows(redContext, oskelSwFwdIpStatsTable).empty());
+
+  EXPECT_EQ(rows(defaultContext, ipAddrTable), std::vector<std::string>{"10.0.2.1"});
+  EXPECT_EQ(rows(defaultContext, ipNetToMediaTable), std::vector<std::string>{"2.10.0.2.2"})
+      << "the neighbour of VRF id 8, which nothing names, is nowhere";
+  EXPECT_TRUE(redHasRow()) << "oskelVrfTable shows red";
+  EXPECT_EQ(rows(defaultContext, oskelVrfIfTable), std::vector<std::string>{"1"}) << "Ethernet1 is in red";
+  EXPECT_TRUE(agent->running());
+}
+
+TEST_F(VrfLifecycleTest, StateThreeChangesNothingStateTwoTakesTheContextAndTheVrfComesBack) {
+  ASSERT_EQ(tables.writeRed(true), "");
+  start(redScenario("active"));
+  ASSERT_TRUE(eventually([&] { return redAnswers(); }, 10));
+
+  agent->scenarioIs(redScenario("3"));
+  ASSERT_TRUE(eventually(
+      [&] {
+        std::optional<Varbind> state = agent->tools().getOne(defaultContext, redVrfState);
+        return state && state->value == "2";
+      },
+      5))
+      << "oskelVrfTable shows every state but 1 as 2";
+  EXPECT_TRUE(redAnswers());
+  EXPECT_EQ(rows(redContext, ipAddrTable), std::vector<std::string>{redAddress});
+
+  agent->scenarioIs(redScenario("deleting"));
+  ASSERT_TRUE(eventually([&] { return !redHasRow(); }, 5));
+  EXPECT_FALSE(redAnswers()) << "the context went with the VRF";
+  agent->scenarioIs(redScenario(""));
+  EXPECT_FALSE(eventually([&] { return redAnswers(); }, 1)) << "removing the status member tears down nothing more";
+  EXPECT_EQ(rows(defaultContext, ipAddrTable), std::vector<std::string>{"10.0.2.1"});
+
+  agent->scenarioIs(redScenario("initializing"));
+  ASSERT_TRUE(eventually([&] { return redAnswers(); }, 10)) << "red comes back";
+  EXPECT_EQ(rows(redContext, ipAddrTable), std::vector<std::string>{redAddress});
+  EXPECT_TRUE(redHasRow());
+  EXPECT_TRUE(agent->running());
+}
+
+TEST_F(VrfLifecycleTest, NeighboursOfAVrfShowOnceItsIdArrives) {
+  ASSERT_EQ(tables.writeRed(false), "");
+  start(redScenario("active"));
+  ASSERT_TRUE(eventually([&] { return redAnswers(); }, 10));
+  EXPECT_TRUE(rows(redContext, ipNetToMediaTable).empty()) << "VRF id 7 names nothing yet";
+
+  ASSERT_EQ(tables.write({"vrf put 7 red"}), "");
+  EXPECT_TRUE(eventually([&] { return rows(redContext, ipNetToMediaTable) == std::vector<std::string>{redNeighbour}; }, 5))
+      << "the id's arrival loads red's neighbours";
+
+  ASSERT_EQ(tables.write({"arp put 8 Ethernet1 10.0.1.8 00:1c:73:00:00:08",
+                          "arp put 7 Ethernet1 10.0.1.3 00:1c:73:00:00:04"}),
+            "");
+  EXPECT_TRUE(eventually([&] { return contains(rows(redContext, ipNetToMediaTable), "1.10.0.1.3"); }, 5));
+  EXPECT_FALSE(contains(rows(redContext, ipNetToMediaTable), "1.10.0.1.8")) << "VRF id 8 names nothing";
+  EXPECT_FALSE(contains(rows(defaultContext, ipNetToMediaTable), "1.10.0.1.8"));
+}
+
+}  // namespace
+}  // namespace IntegrationTest
