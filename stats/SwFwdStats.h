@@ -23,6 +23,9 @@ class SwFwdStats : public Quor::Entity, public Quor::HashLink {
   const SwFwdStatsData& data() const noexcept { return data_; }
   // When data was last committed, on the clock of Quor::now(); 0.0 until then.
   double lastUpdate() const noexcept { return lastUpdate_; }
+  // How many reads of the kernel's files this entity has begun, failed ones included: the cost that
+  // the freshness rule bounds, counted so that it can be watched.
+  U64 reads() const noexcept { return reads_; }
   const IpVersion& fwkKey() const noexcept { return ipVersion_; }
 
   // The counters of the record, freshened first.
@@ -63,6 +66,7 @@ class SwFwdStats : public Quor::Entity, public Quor::HashLink {
   const Quor::Name vrfName_;
   mutable SwFwdStatsData data_;
   mutable double lastUpdate_ = 0.0;
+  mutable U64 reads_ = 0;
 };
 
 // A new entity with an empty entity name, a zero record and lastUpdate 0.0.

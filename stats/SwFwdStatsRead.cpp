@@ -122,8 +122,13 @@ class VrfNamespaceVisit {
 }  // namespace
 
 void SwFwdStats::doRead() const {
-  if (ipVersion_ == ipVersion4) readIpv4();
-  else if (ipVersion_ == ipVersion6) readIpv6();
+  if (ipVersion_ == ipVersion4) {
+    ++reads_;
+    readIpv4();
+  } else if (ipVersion_ == ipVersion6) {
+    ++reads_;
+    readIpv6();
+  }
 }
 
 void SwFwdStats::readIpv4() const {
