@@ -19,6 +19,7 @@
 // before anything is written; a bad one is reported with its line and the word at fault, and ends the
 // run with status 2 and nothing written. All commands of a run are committed together at the end; a
 // write that fails (a full table, another writer holding on) ends the run with status 1.
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
@@ -33,12 +34,14 @@
 #include "platform/tarn/FecWriter.h"
 #include "platform/tarn/Mount.h"
 #include "platform/tarn/RecordWriter.h"
+#include "platform/tarn/TableReader.h"
 #include "platform/tarn/Util.h"
 #include "platform/tarn/VrfEntry.h"
 
 namespace {
 
-// Sizes of the tables this tool creates; a writer with other sizes would rebuild the files.
+// Sizes of the tables this tool creates; a writer with other sizes would rebuild the files, so a
+// larger table that is already there (a scenario's million routes) is written at its own size.
 constexpr U32 maxRoutes = 65536;
 constexpr U32 maxArpEntries = 16384;
 constexpr U32 maxVrfIds = 1024;
@@ -87,6 +90,22 @@ void arity(const std::vector<std::string>& words, std::size_t least, std::size_t
   if (words.size() < least || words.size() > most) bad(std::string("usage: ") + usage);
 }
 
+// The size to open the table at `path` with: the usual one, or that of a larger table already there.
+template <class Codec>
+U32 sizeFor(const std::string& path, U32 usual) {
+  try {
+    if (auto reader = Tarn::TableReader::open(path, Codec::type, Codec::keySize, sizeof(typename Codec::Record)))
+      return std::max(usual, reader->geometry().maxMembers);
+  } catch (const Tarn::CorruptionDetectedException&) {
+  }
+  return usual;
+}
+
+template <class Codec>
+std::unique_ptr<Tarn::RecordWriter<Codec>> writerOf(const std::string& path, U32 usual) {
+  return std::make_unique<Tarn::RecordWriter<Codec>>(path, sizeFor<Codec>(path, usual), lockWait);
+}
+
 // The writers of one run, opened when first needed.
 class Tables {
  public:
@@ -101,8 +120,7 @@ class Tables {
 
   std::string file(const std::string& mountPath, const char* table) const { return root_ + "/" + mountPath + "/" + table; }
   Tarn::RecordWriter<Tarn::Fib::RouteCodec>& routes() {
-    if (!routes_) routes_ = std::make_unique<Tarn::RecordWriter<Tarn::Fib::RouteCodec>>(
-                      file(Tarn::Fib::routePathOf(vrf_), "route"), maxRoutes, lockWait);
+    if (!routes_) routes_ = writerOf<Tarn::Fib::RouteCodec>(file(Tarn::Fib::routePathOf(vrf_), "route"), maxRoutes);
     return *routes_;
   }
   Tarn::Fib::FecWriter& fecs() {
@@ -112,13 +130,11 @@ class Tables {
     return *fecs_;
   }
   Tarn::RecordWriter<Arp::Table::ArpCodec>& arp() {
-    if (!arp_) arp_ = std::make_unique<Tarn::RecordWriter<Arp::Table::ArpCodec>>(
-                   file(Arp::Table::statusPath, "arpEntry"), maxArpEntries, lockWait);
+    if (!arp_) arp_ = writerOf<Arp::Table::ArpCodec>(file(Arp::Table::statusPath, "arpEntry"), maxArpEntries);
     return *arp_;
   }
   Tarn::RecordWriter<Vrf::VrfIdMap::VrfEntryCodec>& vrfIds() {
-    if (!vrfIds_) vrfIds_ = std::make_unique<Tarn::RecordWriter<Vrf::VrfIdMap::VrfEntryCodec>>(
-                      file(Vrf::VrfIdMap::statusPath, "vrfEntry"), maxVrfIds, lockWait);
+    if (!vrfIds_) vrfIds_ = writerOf<Vrf::VrfIdMap::VrfEntryCodec>(file(Vrf::VrfIdMap::statusPath, "vrfEntry"), maxVrfIds);
     return *vrfIds_;
   }
 
