@@ -1,0 +1,307 @@
+// Faults under the real agent: its table writer killed in the middle of a batch, a table file
+// damaged while it is read, the scenario file replaced by garbage. In each the agent keeps
+// answering, says what went wrong, and every row it served before the fault answers as before.
+// (A bad scenario edit keeping the store's last good state is ForwardingScalarsTest's; here the
+// garbage is binary and the state kept includes the tables and a VRF's context.)
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <sstream>
+#include <thread>
+
+#include "AgentUnderTest.h"
+#include "Eventually.h"
+#include "VrfScenario.h"
+#include "platform/tarn/TableFormat.h"
+
+namespace IntegrationTest {
+namespace {
+
+namespace fs = std::filesystem;
+
+const Credentials defaultContext = Credentials::v2c("public");
+const Credentials redContext = Credentials::v3("red");
+
+// A run of routes 100.0.0.0/24, 100.0.1.0/24, ... on FECs 1000 to 1003 in turn, whose next hops
+// are 10.0.1.10 to 10.0.1.13: route i goes through 10.0.1.(10 + i % 4).
+constexpr unsigned runFecs = 4;
+
+// The default VRF and red with a few routes and neighbours each, and `runRoutes` routes of the run
+// in the default VRF with metric `runMetric`.
+std::string tablesScenario(unsigned runRoutes, unsigned runMetric = 7) {
+  std::string text =
+      "routing: { ipv4: true }\n"
+      "vrfs:\n"
+      "  red: { routing: { ipv4: true }, published: true, status: { state: active } }\n"
+      "interfaces:\n"
+      "  Ethernet1: { ifIndex: 1, config: { ipv4: 10.0.1.1/24 }, status: { ipv4: 10.0.1.1/24 } }\n"
+      "  Ethernet2: { ifIndex: 2, config: { vrf: red, ipv4: 10.0.2.1/24 }, status: { vrf: red, ipv4: 10.0.2.1/24 } }\n"
+      "snmp: { initialized: true }\n"
+      "vrfIds: { red: 1 }\n"
+      "fib:\n"
+      "  default:\n"
+      "    fecs:\n"
+      "      1: [10.0.1.2@Ethernet1]\n"
+      "      1000: { count: 4, vias: [10.0.1.10@Ethernet1] }\n"
+      "    routes:\n"
+      "      10.50.0.0/16: { fec: 1, metric: 50 }\n"
+      "      10.51.0.0/16: { fec: 1, metric: 51 }\n";
+  if (runRoutes > 0)
+    text += "      100.0.0.0/24: { count: " + std::to_string(runRoutes) + ", fec: [1000, 1001, 1002, 1003], metric: " +
+            std::to_string(runMetric) + " }\n";
+  text +=
+      "  red:\n"
+      "    fecs: { 1: [10.0.2.2@Ethernet2] }\n"
+      "    routes: { 10.60.0.0/16: { fec: 1, metric: 60 } }\n"
+      "arp:\n"
+      "  - { interface: Ethernet1, address: 10.0.1.2, mac: 02:c0:ff:ee:01:02 }\n"
+      "  - { interface: Ethernet1, address: 10.0.1.3, mac: 02:c0:ff:ee:01:03 }\n"
+      "  - { vrf: red, interface: Ethernet2, address: 10.0.2.2, mac: 02:c0:ff:ee:02:02 }\n";
+  return text;
+}
+
+std::string routeCell(unsigned column, const std::string& index) {
+  return std::string(ipCidrRouteTable) + ".1." + std::to_string(column) + "." + index;
+}
+std::string neighbourMac(const std::string& index) { return std::string(ipNetToMediaTable) + ".1.2." + index; }
+
+// What the agent served before any fault, each with the value it must keep.
+struct Cell {
+  Credentials who;
+  std::string oid;
+  std::string value;
+};
+const std::vector<Cell> goodCells = {
+    {defaultContext, routeCell(11, "10.50.0.0.255.255.0.0.0.10.0.1.2"), "50"},
+    {defaultContext, routeCell(11, "10.51.0.0.255.255.0.0.0.10.0.1.2"), "51"},
+    {defaultContext, neighbourMac("1.10.0.1.3"), "02 C0 FF EE 01 03"},
+    {redContext, routeCell(11, "10.60.0.0.255.255.0.0.0.10.0.2.2"), "60"},
+    {redContext, neighbourMac("2.10.0.2.2"), "02 C0 FF EE 02 02"},
+    {redContext, ipForwarding, "1"},
+};
+
+// The cells of goodCells that do not answer their value now, as "OID: what came".
+std::vector<std::string> lostCells(const AgentUnderTest& agent, const std::vector<Cell>& cells = goodCells) {
+  std::vector<std::string> lost;
+  for (const Cell& cell : cells) {
+    std::optional<Varbind> vb = agent.tools().getOne(cell.who, cell.oid);
+    if (!vb || vb->value != cell.value) lost.push_back(cell.oid + ": " + (vb ? vb->type + " " + vb->value : "no answer"));
+  }
+  return lost;
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
+}
+
+unsigned long routeRows(const AgentUnderTest& agent) {
+  std::optional<Varbind> number = agent.tools().getOne(defaultContext, ".1.3.6.1.2.1.4.24.3.0");
+  return number && !number->value.empty() ? std::stoul(number->value) : 0;
+}
+
+// The run's routes, of the first `rows` that a GETBULK of their metric from 100.0.0.0 shows, that
+// are not whole: a whole route has the next hop of its place in the run and one of `metrics`.
+std::vector<std::string> tornRunRows(const AgentUnderTest& agent, unsigned rows, const std::vector<std::string>& metrics) {
+  const std::string column = routeCell(11, "");
+  CommandResult run = runCommand({"snmpbulkget", "-m", "", "-On", "-v2c", "-c", "public", "-Cn0", "-Cr" + std::to_string(rows),
+                                  agent.address(), column + "100"});
+  std::vector<std::string> torn;
+  for (const Varbind& vb : parseToolOutput(run).varbinds) {
+    if (vb.oid.rfind(column + "100.", 0) != 0) break;
+    unsigned a, b, c, d, m1, m2, m3, m4, tos, h1, h2, h3, h4;
+    if (std::sscanf(vb.oid.c_str() + column.size(), "%u.%u.%u.%u.%u.%u.%u.%u.%u.%u.%u.%u.%u", &a, &b, &c, &d, &m1, &m2, &m3,
+                    &m4, &tos, &h1, &h2, &h3, &h4) != 13) {
+      torn.push_back(vb.oid + " is no route index");
+      continue;
+    }
+    const unsigned position = (a - 100) << 16 | b << 8 | c;
+    const bool hopRight = h1 == 10 && h2 == 0 && h3 == 1 && h4 == 10 + position % runFecs;
+    if (!hopRight || !contains(metrics, vb.value)) torn.push_back(vb.oid + " = " + vb.type + ": " + vb.value);
+  }
+  if (run.exitStatus != 0) torn.push_back("snmpbulkget failed: " + run.output);
+  return torn;
+}
+
+// The whole of a file, "" when it cannot be read.
+std::string fileText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// The process of the agent's table writer: a child of the snmpd that serves `address`, itself a
+// fork of it and so with the same command line. -1 when there is none.
+pid_t tableWriterOf(const std::string& address) {
+  auto commandLine = [](const std::string& pid) { return fileText("/proc/" + pid + "/cmdline"); };
+  auto parentOf = [](const std::string& pid) {
+    const std::string stat = fileText("/proc/" + pid + "/stat");
+    const std::size_t close = stat.rfind(')');
+    std::istringstream rest(close == std::string::npos ? "" : stat.substr(close + 2));
+    std::string state, parent;
+    rest >> state >> parent;
+    return parent;
+  };
+  const std::string listen = std::string("udp:") + address + '\0';
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
+    const std::string pid = entry.path().filename().string();
+    if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
+    const std::string line = commandLine(pid);
+    if (!line.ends_with(listen) || line.find("snmpd") == std::string::npos) continue;
+    if (commandLine(parentOf(pid)).ends_with(listen)) return static_cast<pid_t>(std::stol(pid));
+  }
+  return -1;
+}
+
+// The records in the table file at `path` by its header, 0 while there is no file.
+unsigned tableMembers(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return 0;
+  std::uint32_t members = 0;
+  const ssize_t n = ::pread(fd, &members, sizeof members, offsetof(Tarn::FileHeader, members));
+  ::close(fd);
+  return n == sizeof members ? members : 0;
+}
+
+class FaultInjectionTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+  }
+  void TearDown() override {
+    if (agent && HasFailure()) std::cerr << agent->diagnostics();
+  }
+  void start(const std::string& scenario) {
+    agent = std::make_unique<AgentUnderTest>(scenario, tables.path());
+    ASSERT_TRUE(agent->ready()) << agent->diagnostics();
+    ASSERT_TRUE(eventually([&] { return lostCells(*agent).empty(); })) << joined(lostCells(*agent));
+  }
+  std::string routeFile() const { return tables.path() + "/routing/status/route"; }
+  std::string arpFile() const { return tables.path() + "/arp/status/arpEntry"; }
+
+  TableRoot tables;
+  std::unique_ptr<AgentUnderTest> agent;
+};
+
+// The writer is killed once it has written part of a batch that adds a run of routes, large
+// enough that the route table grows. The rows it wrote are whole, those from before are still
+// served, the log names the failure, and the next save's writer takes the table over and ends it.
+TEST_F(FaultInjectionTest, TableWriterKilledMidBatchLeavesWholeRowsAndTheNextWriterEndsTheBatch) {
+  ASSERT_NO_FATAL_FAILURE(start(tablesScenario(0)));
+  constexpr unsigned run = 400000;
+  agent->scenarioIs(tablesScenario(run));
+  pid_t writer = -1;
+  ASSERT_TRUE(eventually([&] {
+    writer = tableWriterOf(agent->address());
+    return writer > 0 && tableMembers(routeFile()) > 20000;
+  }, 30.0)) << "no table writer under way";
+  ASSERT_EQ(::kill(writer, SIGKILL), 0);
+  const unsigned written = tableMembers(routeFile());
+  ASSERT_LT(written, run) << "the writer had ended its batch before the kill";
+
+  EXPECT_TRUE(eventually([&] { return agent->log().find("the table writer was killed by signal 9") != std::string::npos; }))
+      << "the failure is not in the log";
+  EXPECT_TRUE(agent->running());
+  EXPECT_EQ(joined(lostCells(*agent)), "") << "rows from before the batch were lost";
+  EXPECT_EQ(joined(tornRunRows(*agent, 500, {"7"})), "") << "rows of the killed batch";
+
+  // The same file again, saved anew: a new writer takes the table over and ends the batch.
+  agent->scenarioIs(tablesScenario(run) + "# saved again\n");
+  EXPECT_TRUE(eventually([&] { return routeRows(*agent) == run + 2; }, 60.0)) << routeRows(*agent) << " route rows";
+  EXPECT_EQ(joined(tornRunRows(*agent, 500, {"7"})), "");
+  EXPECT_EQ(joined(lostCells(*agent)), "");
+}
+
+// A bit flipped in a neighbour's record while the agent serves it: the read that meets it names the
+// file and the damage in a corruption report, the agent goes on answering, and the other tables and
+// the VRF's context keep their rows. The next save of the scenario rebuilds the table and the
+// neighbours come back whole.
+TEST_F(FaultInjectionTest, TableFileDamagedUnderTheAgentIsReportedAndRebuiltByTheNextWrite) {
+  const std::string reports = tables.path() + "-corruption";
+  ::setenv("TARN_CORRUPTION_DIR", reports.c_str(), 1);
+  ASSERT_NO_FATAL_FAILURE(start(tablesScenario(0)));
+  ::unsetenv("TARN_CORRUPTION_DIR");
+
+  // The MAC address of 10.0.1.2 is in its record only (in one or both of the record's copies), as
+  // bytes or as 16-bit words of this machine's order: its third byte is flipped wherever it is.
+  const std::string bytes = fileText(arpFile());
+  std::fstream file(arpFile(), std::ios::in | std::ios::out | std::ios::binary);
+  unsigned flipped = 0;
+  for (const std::string mac : {"\x02\xc0\xff\xee\x01\x02", "\xc0\x02\xee\xff\x02\x01"}) {
+    for (std::size_t at = bytes.find(mac); at != std::string::npos; at = bytes.find(mac, at + 1), ++flipped) {
+      file.seekp(static_cast<std::streamoff>(at + 2));
+      file.put(static_cast<char>(bytes[at + 2] ^ 0x10));
+    }
+  }
+  file.close();
+  ASSERT_GT(flipped, 0u) << "the neighbour's record is not in " << arpFile();
+
+  std::optional<Varbind> damaged = agent->tools().getOne(defaultContext, neighbourMac("1.10.0.1.2"));
+  ASSERT_TRUE(damaged) << "no answer for the damaged neighbour";
+  EXPECT_NE(damaged->value, "02 C0 EF EE 01 02") << "the damaged record was served";
+  EXPECT_NE(damaged->value, "02 C0 FF FE 01 02") << "the damaged record was served";
+
+  std::string report;
+  EXPECT_TRUE(eventually([&] {
+    std::error_code missing;
+    for (const fs::directory_entry& entry : fs::directory_iterator(reports, missing)) {
+      report = fileText(entry.path());
+      return true;
+    }
+    return false;
+  })) << "no corruption report in " << reports;
+  EXPECT_NE(report.find(arpFile()), std::string::npos) << report;
+  EXPECT_NE(report.find("does not match its checksum"), std::string::npos) << report;
+  fs::remove_all(reports);
+
+  EXPECT_TRUE(agent->running());
+  const std::vector<Cell> routes(goodCells.begin(), goodCells.begin() + 2);
+  EXPECT_EQ(joined(lostCells(*agent, routes)), "") << "the route table is not the damaged one";
+  EXPECT_EQ(joined(lostCells(*agent, {goodCells[3], goodCells[5]})), "") << "red's routes and scalars";
+
+  agent->scenarioIs(tablesScenario(0) + "# saved again\n");
+  EXPECT_TRUE(eventually([&] { return lostCells(*agent).empty(); })) << joined(lostCells(*agent));
+  EXPECT_TRUE(eventually([&] {
+    std::optional<Varbind> vb = agent->tools().getOne(defaultContext, neighbourMac("1.10.0.1.2"));
+    return vb && vb->value == "02 C0 FF EE 01 02";
+  })) << "the damaged neighbour was not written again";
+}
+
+// Binary garbage and a file cut short in the middle of a map, saved over a scenario with tables
+// and a VRF: each is refused with the file's name in the log, and everything served before still
+// answers, in the default context and in red's, until a good save follows.
+TEST_F(FaultInjectionTest, GarbageSavedOverTheScenarioKeepsTablesAndContextsAsTheyWere) {
+  ASSERT_NO_FATAL_FAILURE(start(tablesScenario(100)));
+  std::string garbage;
+  for (unsigned i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 7919u + 13u) % 256u);
+  const std::string full = tablesScenario(100);
+  // A refusal names the file and the line: ".../scenario.yaml:LINE: what".
+  auto refusals = [&] {
+    const std::string log = agent->log();
+    std::size_t count = 0;
+    for (std::size_t at = log.find("scenario.yaml:"); at != std::string::npos; at = log.find("scenario.yaml:", at + 1)) ++count;
+    return count;
+  };
+  for (const std::string& bad : {garbage, full.substr(0, full.find("red: {") + 20)}) {
+    const std::size_t before = refusals();
+    agent->scenarioIs(bad);
+    EXPECT_TRUE(eventually([&] { return refusals() > before; })) << "the refusal naming the file is not in the log";
+    EXPECT_TRUE(agent->running());
+    EXPECT_EQ(joined(lostCells(*agent)), "");
+    EXPECT_EQ(routeRows(*agent), 102u);
+  }
+  agent->scenarioIs(tablesScenario(100, 8));
+  EXPECT_TRUE(eventually([&] { return tornRunRows(*agent, 100, {"8"}).empty(); })) << "a good save after garbage";
+  EXPECT_EQ(joined(lostCells(*agent)), "");
+}
+
+}  // namespace
+}  // namespace IntegrationTest
