@@ -1,8 +1,9 @@
 // Faults under the real agent: its table writer killed in the middle of a batch, a table file
-// damaged while it is read, the scenario file replaced by garbage. In each the agent keeps
-// answering, says what went wrong, and every row it served before the fault answers as before.
-// (A bad scenario edit keeping the store's last good state is ForwardingScalarsTest's; here the
-// garbage is binary and the state kept includes the tables and a VRF's context.)
+// damaged while it is read, the scenario file replaced by garbage, a VRF's network namespace
+// deleted while its statistics are read, the kernel's counter files gone. In each the agent keeps
+// answering, says what went wrong where it can, and what it served before the fault answers as
+// before. (A bad scenario edit keeping the store's last good state is ForwardingScalarsTest's; here
+// the garbage is binary and the state kept includes the tables and a VRF's context.)
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
@@ -138,9 +139,9 @@ std::string fileText(const std::string& path) {
   return text.str();
 }
 
-// The process of the agent's table writer: a child of the snmpd that serves `address`, itself a
-// fork of it and so with the same command line. -1 when there is none.
-pid_t tableWriterOf(const std::string& address) {
+// The snmpd that serves `address` (`forked` false) or the table writer it forked (true), found by
+// the command line, which a fork keeps. -1 when there is none.
+pid_t snmpdProcess(const std::string& address, bool forked) {
   auto commandLine = [](const std::string& pid) { return fileText("/proc/" + pid + "/cmdline"); };
   auto parentOf = [](const std::string& pid) {
     const std::string stat = fileText("/proc/" + pid + "/stat");
@@ -156,7 +157,7 @@ pid_t tableWriterOf(const std::string& address) {
     if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
     const std::string line = commandLine(pid);
     if (!line.ends_with(listen) || line.find("snmpd") == std::string::npos) continue;
-    if (commandLine(parentOf(pid)).ends_with(listen)) return static_cast<pid_t>(std::stol(pid));
+    if (commandLine(parentOf(pid)).ends_with(listen) == forked) return static_cast<pid_t>(std::stol(pid));
   }
   return -1;
 }
@@ -200,7 +201,7 @@ TEST_F(FaultInjectionTest, TableWriterKilledMidBatchLeavesWholeRowsAndTheNextWri
   agent->scenarioIs(tablesScenario(run));
   pid_t writer = -1;
   ASSERT_TRUE(eventually([&] {
-    writer = tableWriterOf(agent->address());
+    writer = snmpdProcess(agent->address(), true);
     return writer > 0 && tableMembers(routeFile()) > 20000;
   }, 30.0)) << "no table writer under way";
   ASSERT_EQ(::kill(writer, SIGKILL), 0);
@@ -301,6 +302,141 @@ TEST_F(FaultInjectionTest, GarbageSavedOverTheScenarioKeepsTablesAndContextsAsTh
   agent->scenarioIs(tablesScenario(100, 8));
   EXPECT_TRUE(eventually([&] { return tornRunRows(*agent, 100, {"8"}).empty(); })) << "a good save after garbage";
   EXPECT_EQ(joined(lostCells(*agent)), "");
+}
+
+// --- statistics -------------------------------------------------------------------------------
+
+std::string statsCell(unsigned column, unsigned ipVersion = 1) {
+  return std::string(oskelSwFwdIpStatsTable) + ".1." + std::to_string(column) + "." + std::to_string(ipVersion);
+}
+
+// The GET of InReceives (64 bits) of a statistics row: its value, or what came instead.
+std::string inReceives(const AgentUnderTest& agent, const Credentials& who, unsigned ipVersion = 1) {
+  std::optional<Varbind> vb = agent.tools().getOne(who, statsCell(4, ipVersion));
+  if (!vb) return "no answer";
+  return vb->type == "Counter64" ? vb->value : vb->type + " " + vb->value;
+}
+
+// Long enough for the agent's record of every row to be stale.
+void waitPastFreshness() { std::this_thread::sleep_for(std::chrono::milliseconds(600)); }
+
+class StatisticsFaultTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+  }
+  void TearDown() override {
+    if (agent && HasFailure()) std::cerr << agent->diagnostics();
+  }
+  std::unique_ptr<AgentUnderTest> agent;
+};
+
+// A VRF's statistics row is read again and again, in the VRF's namespace, while the namespace is
+// deleted: every GET is answered with counters, snmpd ends up in its own namespace, and the VRF's
+// context and the default row answer on. Which numbers the row shows once the namespace is gone is
+// left open here: the read does not examine whether it entered the namespace, so they are those of
+// snmpd's own namespace.
+TEST_F(StatisticsFaultTest, VrfNamespaceDeletedUnderReadsLeavesTheAgentAnsweringInItsOwnNamespace) {
+  const std::string vrf = "gone" + std::to_string(::getpid());
+  const std::string ns = "ns-" + vrf;
+  if (::geteuid() != 0 || runCommand({"ip", "netns", "add", ns}).exitStatus != 0)
+    GTEST_SKIP() << "cannot make a network namespace here (needs root and ip(8))";
+  struct Removal {
+    std::string ns;
+    ~Removal() {
+      if (fs::exists("/var/run/netns/" + ns)) runCommand({"ip", "netns", "del", ns});
+    }
+  } removal{ns};
+  agent = std::make_unique<AgentUnderTest>(
+      "routing: { ipv4: true }\n"
+      "vrfs:\n  " + vrf + ": { routing: { ipv4: true }, published: true, status: { state: active, namespace: " + ns + " } }\n"
+      "snmp: { initialized: true }\n");
+  ASSERT_TRUE(agent->ready()) << agent->diagnostics();
+  const Credentials vrfContext = Credentials::v3(vrf);
+  ASSERT_TRUE(eventually([&] { return inReceives(*agent, vrfContext).find_first_not_of("0123456789") == std::string::npos; }))
+      << "the VRF's statistics row: " << inReceives(*agent, vrfContext);
+
+  // Reads back to back, each in a fresh half second, before and after the delete.
+  std::vector<std::string> failures;
+  auto readFor = [&](std::chrono::milliseconds length) {
+    const auto end = std::chrono::steady_clock::now() + length;
+    while (std::chrono::steady_clock::now() < end) {
+      const std::string value = inReceives(*agent, vrfContext);
+      if (value.find_first_not_of("0123456789") != std::string::npos || value.empty()) failures.push_back(value);
+      std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    }
+  };
+  readFor(std::chrono::milliseconds(1000));
+  std::thread reads(readFor, std::chrono::milliseconds(2000));
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  EXPECT_EQ(runCommand({"ip", "netns", "del", ns}).exitStatus, 0);
+  reads.join();
+  EXPECT_EQ(joined(failures), "") << "reads of the VRF's row that were not answered with a counter";
+
+  EXPECT_TRUE(agent->running());
+  const pid_t snmpd = snmpdProcess(agent->address(), false);
+  ASSERT_GT(snmpd, 0) << "no snmpd on " << agent->address();
+  EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(snmpd) + "/ns/net"), fs::read_symlink("/proc/self/ns/net"));
+  EXPECT_EQ(agent->tools().getOne(vrfContext, ipForwarding).value_or(Varbind{}).value, "1");
+  EXPECT_EQ(inReceives(*agent, defaultContext).find_first_not_of("0123456789"), std::string::npos);
+}
+
+// The kernel's counter files, replaced by copies that the test controls (PROC_NET_*), go missing
+// or come back empty: both rows keep the numbers of their last good read and answer them, and the
+// next good files are read again.
+TEST_F(StatisticsFaultTest, MissingOrEmptyCounterFilesKeepTheLastGoodNumbers) {
+  const std::string dir = (fs::temp_directory_path() / ("ipsnmp-procnet-" + std::to_string(::getpid()))).string();
+  fs::create_directories(dir);
+  struct Removal {
+    std::string dir;
+    ~Removal() { fs::remove_all(dir); }
+  } removal{dir};
+  const std::vector<std::pair<std::string, std::string>> files = {
+      {"PROC_NET_SNMP", "snmp"}, {"PROC_NET_NETSTAT", "netstat"}, {"PROC_NET_SNMP6", "snmp6"}};
+  // InReceives of each file set to `v4` and `v6`, the rest as the kernel has it.
+  auto writeFiles = [&](unsigned long long v4, unsigned long long v6) {
+    std::istringstream snmp(fileText("/proc/net/snmp"));
+    std::ofstream(dir + "/snmp") << [&] {
+      std::string out, line;
+      for (bool header = true; std::getline(snmp, line); out += line + "\n") {
+        if (line.rfind("Ip: ", 0) != 0) continue;
+        if (!(header = !header)) continue;
+        std::istringstream words(line);
+        std::string tag, forwarding, ttl, old;
+        words >> tag >> forwarding >> ttl >> old;
+        line = tag + " " + forwarding + " " + ttl + " " + std::to_string(v4) + line.substr(words.tellg());
+      }
+      return out;
+    }();
+    std::ofstream(dir + "/netstat") << fileText("/proc/net/netstat");
+    std::istringstream snmp6(fileText("/proc/net/snmp6"));
+    std::ofstream out6(dir + "/snmp6");
+    for (std::string line; std::getline(snmp6, line);)
+      out6 << (line.rfind("Ip6InReceives ", 0) == 0 ? "Ip6InReceives                   \t" + std::to_string(v6) : line) << "\n";
+  };
+  writeFiles(1111, 2222);
+  for (const auto& [variable, file] : files) ::setenv(variable.c_str(), (dir + "/" + file).c_str(), 1);
+  agent = std::make_unique<AgentUnderTest>("routing: { ipv4: true, ipv6: true }\nsnmp: { initialized: true }\n");
+  for (const auto& [variable, file] : files) ::unsetenv(variable.c_str());
+  ASSERT_TRUE(agent->ready()) << agent->diagnostics();
+  ASSERT_EQ(inReceives(*agent, defaultContext, 1), "1111");
+  ASSERT_EQ(inReceives(*agent, defaultContext, 2), "2222");
+
+  for (const auto& [variable, file] : files) fs::remove(dir + "/" + file);
+  waitPastFreshness();
+  EXPECT_EQ(inReceives(*agent, defaultContext, 1), "1111") << "files missing";
+  EXPECT_EQ(inReceives(*agent, defaultContext, 2), "2222") << "files missing";
+  for (const auto& [variable, file] : files) std::ofstream(dir + "/" + file).flush();
+  waitPastFreshness();
+  EXPECT_EQ(inReceives(*agent, defaultContext, 1), "1111") << "files empty";
+  EXPECT_EQ(inReceives(*agent, defaultContext, 2), "2222") << "files empty";
+  EXPECT_TRUE(agent->running());
+  EXPECT_EQ(agent->tools().getOne(defaultContext, ipForwarding).value_or(Varbind{}).value, "1");
+
+  writeFiles(3333, 4444);
+  waitPastFreshness();
+  EXPECT_EQ(inReceives(*agent, defaultContext, 1), "3333") << "files back";
+  EXPECT_EQ(inReceives(*agent, defaultContext, 2), "4444") << "files back";
 }
 
 }  // namespace
