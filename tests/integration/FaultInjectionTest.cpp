@@ -5,13 +5,15 @@
 // before. (A bad scenario edit keeping the store's last good state is ForwardingScalarsTest's; here
 // the garbage is binary and the state kept includes the tables and a VRF's context.)
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <sstream>
 #include <thread>
@@ -34,8 +36,8 @@ const Credentials redContext = Credentials::v3("red");
 constexpr unsigned runFecs = 4;
 
 // The default VRF and red with a few routes and neighbours each, and `runRoutes` routes of the run
-// in the default VRF with metric `runMetric`.
-std::string tablesScenario(unsigned runRoutes, unsigned runMetric = 7) {
+// in the default VRF with metric `runMetric`, and `moreRoutes` from 120.0.0.0/24 on through FEC 1.
+std::string tablesScenario(unsigned runRoutes, unsigned runMetric = 7, unsigned moreRoutes = 0) {
   std::string text =
       "routing: { ipv4: true }\n"
       "vrfs:\n"
@@ -56,6 +58,7 @@ std::string tablesScenario(unsigned runRoutes, unsigned runMetric = 7) {
   if (runRoutes > 0)
     text += "      100.0.0.0/24: { count: " + std::to_string(runRoutes) + ", fec: [1000, 1001, 1002, 1003], metric: " +
             std::to_string(runMetric) + " }\n";
+  if (moreRoutes > 0) text += "      120.0.0.0/24: { count: " + std::to_string(moreRoutes) + ", fec: [1] }\n";
   text +=
       "  red:\n"
       "    fecs: { 1: [10.0.2.2@Ethernet2] }\n"
@@ -162,15 +165,21 @@ pid_t snmpdProcess(const std::string& address, bool forked) {
   return -1;
 }
 
-// The records in the table file at `path` by its header, 0 while there is no file.
-unsigned tableMembers(const std::string& path) {
+// A live counter of the header of the table file at `path`, 0 while there is no file.
+template <class Counter>
+Counter headerCounter(const std::string& path, std::size_t offset) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return 0;
-  std::uint32_t members = 0;
-  const ssize_t n = ::pread(fd, &members, sizeof members, offsetof(Tarn::FileHeader, members));
+  Counter value = 0;
+  const ssize_t n = ::pread(fd, &value, sizeof value, static_cast<off_t>(offset));
   ::close(fd);
-  return n == sizeof members ? members : 0;
+  return n == sizeof value ? value : 0;
 }
+// The records written into the table since it was made, and whether a batch is open in it.
+std::uint64_t recordWrites(const std::string& path) {
+  return headerCounter<std::uint64_t>(path, offsetof(Tarn::FileHeader, logHead));
+}
+bool batchOpen(const std::string& path) { return headerCounter<std::uint64_t>(path, offsetof(Tarn::FileHeader, commitSeq)) & 1; }
 
 class FaultInjectionTest : public ::testing::Test {
  protected:
@@ -192,32 +201,38 @@ class FaultInjectionTest : public ::testing::Test {
   std::unique_ptr<AgentUnderTest> agent;
 };
 
-// The writer is killed once it has written part of a batch that adds a run of routes, large
-// enough that the route table grows. The rows it wrote are whole, those from before are still
-// served, the log names the failure, and the next save's writer takes the table over and ends it.
+// The writer is killed in the middle of the route table's batch, which gives the run other metrics
+// and adds a second run; the table holds all of it without growing. The rows it rewrote are whole
+// with the old metric or the new, the rows it did not touch are still served, the log names the
+// failure, and the next save's writer takes the table over and ends the batch.
 TEST_F(FaultInjectionTest, TableWriterKilledMidBatchLeavesWholeRowsAndTheNextWriterEndsTheBatch) {
-  ASSERT_NO_FATAL_FAILURE(start(tablesScenario(0)));
-  constexpr unsigned run = 400000;
-  agent->scenarioIs(tablesScenario(run));
+  constexpr unsigned run = 70000, added = 60000;
+  ASSERT_NO_FATAL_FAILURE(start(tablesScenario(run)));
+  ASSERT_TRUE(eventually([&] { return routeRows(*agent) == run + 2; }, 30.0)) << routeRows(*agent) << " route rows";
+  const std::uint64_t before = recordWrites(routeFile());
+
+  agent->scenarioIs(tablesScenario(run, 8, added));
   pid_t writer = -1;
-  ASSERT_TRUE(eventually([&] {
-    writer = snmpdProcess(agent->address(), true);
-    return writer > 0 && tableMembers(routeFile()) > 20000;
-  }, 30.0)) << "no table writer under way";
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (!(recordWrites(routeFile()) > before + 20000 && (writer = snmpdProcess(agent->address(), true)) > 0) &&
+         std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  ASSERT_GT(writer, 0) << "no table writer under way";
   ASSERT_EQ(::kill(writer, SIGKILL), 0);
-  const unsigned written = tableMembers(routeFile());
-  ASSERT_LT(written, run) << "the writer had ended its batch before the kill";
+  ASSERT_TRUE(batchOpen(routeFile())) << "the writer had ended the route table's batch before the kill";
+  ASSERT_LT(recordWrites(routeFile()), before + run + added);
 
   EXPECT_TRUE(eventually([&] { return agent->log().find("the table writer was killed by signal 9") != std::string::npos; }))
       << "the failure is not in the log";
   EXPECT_TRUE(agent->running());
-  EXPECT_EQ(joined(lostCells(*agent)), "") << "rows from before the batch were lost";
-  EXPECT_EQ(joined(tornRunRows(*agent, 500, {"7"})), "") << "rows of the killed batch";
+  EXPECT_EQ(joined(lostCells(*agent)), "") << "rows that the batch did not touch";
+  EXPECT_EQ(joined(tornRunRows(*agent, 1000, {"7", "8"})), "") << "rows of the killed batch";
 
   // The same file again, saved anew: a new writer takes the table over and ends the batch.
-  agent->scenarioIs(tablesScenario(run) + "# saved again\n");
-  EXPECT_TRUE(eventually([&] { return routeRows(*agent) == run + 2; }, 60.0)) << routeRows(*agent) << " route rows";
-  EXPECT_EQ(joined(tornRunRows(*agent, 500, {"7"})), "");
+  agent->scenarioIs(tablesScenario(run, 8, added) + "# saved again\n");
+  EXPECT_TRUE(eventually([&] { return routeRows(*agent) == run + added + 2; }, 60.0)) << routeRows(*agent) << " route rows";
+  EXPECT_FALSE(batchOpen(routeFile()));
+  EXPECT_EQ(joined(tornRunRows(*agent, 1000, {"8"})), "");
   EXPECT_EQ(joined(lostCells(*agent)), "");
 }
 
