@@ -4,7 +4,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -40,17 +42,33 @@ void writeFile(const std::string& path, const std::string& text) {
   if (!out.flush()) throw std::runtime_error("cannot write " + path);
 }
 
+// The pid of the last "master pid PID" line of the launcher's output, 0 without one.
+pid_t lastMasterPid(const std::string& output) {
+  const std::string tag = "master pid ";
+  const auto at = output.rfind(tag);
+  return at == std::string::npos ? 0 : static_cast<pid_t>(std::atol(output.c_str() + at + tag.size()));
+}
+
 }  // namespace
 
-AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& tables)
+AgentMode agentModeOfEnvironment() {
+  const char* mode = std::getenv("IPSNMP_AGENT_MODE");
+  return mode && std::string(mode) == "agentx" ? AgentMode::subagent : AgentMode::plugin;
+}
+
+const char* agentModeName(AgentMode mode) { return mode == AgentMode::subagent ? "sub-agent" : "plug-in"; }
+
+AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& tables, AgentMode mode)
     : dir_(newDirectory()),
       scenarioPath_(dir_ + "/scenario.yaml"),
       address_("127.0.0.1:" + std::to_string(freeLoopbackPort())),
-      tools_(address_) {
+      tools_(address_),
+      mode_(mode) {
   writeFile(scenarioPath_, scenario);
   std::vector<std::string> argv{IPSNMP_AGENT_LAUNCHER, "--scenario", scenarioPath_, "--listen", "udp:" + address_,
                                 "--log", dir_ + "/snmpd.log", "--trace", "Snmp:0-2"};
   if (!tables.empty()) argv.insert(argv.end(), {"--tables", tables});
+  if (mode == AgentMode::subagent) argv.push_back("--agentx");
   process_ = std::make_unique<BackgroundProcess>(argv);
   ready_ = process_->waitForLine("ready", 60.0);
 }
@@ -59,6 +77,12 @@ AgentUnderTest::~AgentUnderTest() {
   process_.reset();
   std::error_code ignored;
   std::filesystem::remove_all(dir_, ignored);
+}
+
+bool AgentUnderTest::masterKilled() {
+  const pid_t master = lastMasterPid(process_->output());
+  if (mode_ != AgentMode::subagent || master <= 0 || ::kill(master, SIGKILL) != 0) return false;
+  return process_->waitForLine("master exited with status 137, starting it again", 10.0);
 }
 
 void AgentUnderTest::scenarioIs(const std::string& scenario) {
@@ -75,7 +99,7 @@ std::string AgentUnderTest::log() const {
 }
 
 std::string AgentUnderTest::diagnostics() const {
-  return "launcher output:\n" + process_->output() + "\nsnmpd log:\n" + log();
+  return std::string("agent: the ") + agentModeName(mode_) + "\nlauncher output:\n" + process_->output() + "\nsnmpd log:\n" + log();
 }
 
 }  // namespace IntegrationTest

@@ -1,6 +1,8 @@
 #pragma once
 // The real agent as a user starts it: the launcher, on a free loopback UDP port, serving a scenario
-// file in a directory of its own, which the test may rewrite while the agent runs.
+// file in a directory of its own, which the test may rewrite while the agent runs. The agent is the
+// plug-in inside snmpd, or the AgentX sub-agent behind snmpd as master; IPSNMP_AGENT_MODE=agentx in
+// the environment makes the sub-agent the default, so that whole suites run against either.
 #include <csignal>
 #include <memory>
 #include <string>
@@ -10,11 +12,18 @@
 
 namespace IntegrationTest {
 
+enum class AgentMode { plugin, subagent };
+
+// The mode that IPSNMP_AGENT_MODE names: "agentx" the sub-agent, anything else the plug-in.
+AgentMode agentModeOfEnvironment();
+const char* agentModeName(AgentMode mode);
+
 class AgentUnderTest {
  public:
   // Starts the launcher and waits for its "ready"; ready() tells whether it came. `tables` is the
   // root of the shared-memory tables, for a test that writes them itself (default: a private one).
-  explicit AgentUnderTest(const std::string& scenario, const std::string& tables = "");
+  explicit AgentUnderTest(const std::string& scenario, const std::string& tables = "",
+                          AgentMode mode = agentModeOfEnvironment());
   ~AgentUnderTest();
   AgentUnderTest(const AgentUnderTest&) = delete;
   AgentUnderTest& operator=(const AgentUnderTest&) = delete;
@@ -24,8 +33,11 @@ class AgentUnderTest {
   const std::string& address() const noexcept { return address_; }
   const SnmpTools& tools() const noexcept { return tools_; }
 
-  // Makes snmpd reload its configuration, and with it the plug-in.
+  AgentMode mode() const noexcept { return mode_; }
+  // Makes snmpd reload its configuration, and with it the plug-in (the sub-agent reads its own again).
   void reload() { process_->signal(SIGHUP); }
+  // The sub-agent's master dies (SIGKILL); true once the launcher has started it again.
+  bool masterKilled();
   // Replaces the scenario file in one step, as an editor that saves by renaming does.
   void scenarioIs(const std::string& scenario);
   // snmpd's log, the plug-in's messages among it.
@@ -38,6 +50,7 @@ class AgentUnderTest {
   std::string scenarioPath_;
   std::string address_;
   SnmpTools tools_;
+  AgentMode mode_;
   std::unique_ptr<BackgroundProcess> process_;
   bool ready_ = false;
 };

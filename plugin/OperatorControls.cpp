@@ -1,0 +1,144 @@
+#include "plugin/OperatorControls.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <stdexcept>
+
+#include "platform/quor/Exception.h"
+#include "platform/quor/Trace.h"
+#include "platform/snmp/NetSnmp.h"
+
+namespace {
+
+const char* const traceToken = "ipsnmpTrace";
+const char* const flitlogFileToken = "ipsnmpFlitlogFile";
+// Refused scenarios and applied ones belong in the agent's log in any case.
+const char* const alwaysOn = "Scenario:0-1";
+
+// What is on whatever the configuration says: the above, and IPSNMP_TRACE of the environment.
+void baselineTraces() {
+  Quor::traceConfigure(alwaysOn);
+  const char* spec = std::getenv("IPSNMP_TRACE");
+  try {
+    Quor::traceConfigure(spec ? spec : "");
+  } catch (const Quor::RangeException& e) {
+    snmp_log(LOG_ERR, "ipsnmp: IPSNMP_TRACE ignored: %s\n", e.what());
+  }
+}
+
+// The one set of controls; the configuration callbacks take no argument of their own.
+OperatorControls* current = nullptr;
+
+// The facilities that configuration lines have named since the last reset.
+std::set<std::string, std::less<>>& configuredFacilities() {
+  static std::set<std::string, std::less<>> names;
+  return names;
+}
+
+std::string defaultFlitlogFile() { return "/var/tmp/ipsnmp-flitlog." + std::to_string(::getpid()); }
+
+std::string trimmed(const char* text) {
+  std::string s = text ? text : "";
+  const auto first = s.find_first_not_of(" \t");
+  if (first == std::string::npos) return "";
+  return s.substr(first, s.find_last_not_of(" \t") - first + 1);
+}
+
+}  // namespace
+
+OperatorControls::OperatorControls() : flitlogFile_(defaultFlitlogFile()) {
+  if (current) throw std::logic_error("the operator controls exist already");
+  current = this;
+  baselineTraces();
+  register_app_config_handler(traceToken, &OperatorControls::parseTrace, &OperatorControls::releaseTrace,
+                              "FACILITY[:LEVEL[-LEVEL]][,...]  switch ipsnmp trace facilities on");
+  register_app_config_handler(flitlogFileToken, &OperatorControls::parseFlitlogFile,
+                              &OperatorControls::releaseFlitlogFile, "PATH  where SIGUSR2 writes the Flitlog ring");
+  Flitlog::theTraceFile = &ring_;
+  dumpRequest_ = std::make_unique<SignalWatch>(SIGUSR2, [this] {
+    if (std::string error = flitlogDumped(); !error.empty())
+      snmp_log(LOG_ERR, "ipsnmp: the Flitlog ring was not written: %s\n", error.c_str());
+    else
+      snmp_log(LOG_INFO, "ipsnmp: Flitlog ring of %zu records written to %s\n", ring_.records(), flitlogFile_.c_str());
+  });
+}
+
+OperatorControls::~OperatorControls() {
+  dumpRequest_.reset();
+  Flitlog::theTraceFile = nullptr;
+  unregister_app_config_handler(flitlogFileToken);
+  unregister_app_config_handler(traceToken);
+  configurationReset();
+  current = nullptr;
+}
+
+std::string OperatorControls::flitlogDumped() const {
+  const std::string next = flitlogFile_ + ".next";
+  {
+    std::ofstream out(next, std::ios::trunc);
+    if (!out) return "cannot write " + next + ": " + std::strerror(errno);
+    out << "# Flitlog ring of ipsnmp, pid " << ::getpid() << ", " << ring_.records()
+        << " records, oldest first: start (ns, monotonic clock), duration, handler\n";
+    ring_.dump(out);
+    if (!out.flush()) return "cannot write " + next + ": " + std::strerror(errno);
+  }
+  if (std::rename(next.c_str(), flitlogFile_.c_str()) != 0) {
+    std::string error = "cannot rename " + next + ": " + std::strerror(errno);
+    std::remove(next.c_str());
+    return error;
+  }
+  return "";
+}
+
+void OperatorControls::configurationReset() {
+  tracesOff();
+  flitlogFile_ = defaultFlitlogFile();
+}
+
+void OperatorControls::tracesOff() {
+  for (const std::string& name : configuredFacilities()) {
+    Quor::TraceHandle& facility = Quor::TraceHandle::named(name);
+    facility.masterIs(false);
+    for (int level = 0; level <= 9; ++level) facility.levelIs(level, false);
+  }
+  configuredFacilities().clear();
+  baselineTraces();
+}
+
+void OperatorControls::parseTrace(const char*, char* spec) {
+  const std::string text = trimmed(spec);
+  try {
+    Quor::traceConfigure(text);
+  } catch (const Quor::RangeException& e) {
+    config_perror(e.what());
+    return;
+  }
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const auto comma = rest.find(',');
+    std::string_view item = rest.substr(0, comma);
+    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
+    if (!item.empty()) configuredFacilities().emplace(item.substr(0, item.find(':')));
+  }
+}
+
+void OperatorControls::parseFlitlogFile(const char*, char* path) {
+  std::string file = trimmed(path);
+  if (file.empty()) {
+    config_perror("ipsnmpFlitlogFile needs a path");
+    return;
+  }
+  if (current) current->flitlogFile_ = std::move(file);
+}
+
+void OperatorControls::releaseTrace() { tracesOff(); }
+
+void OperatorControls::releaseFlitlogFile() {
+  if (current) current->flitlogFile_ = defaultFlitlogFile();
+}

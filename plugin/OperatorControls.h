@@ -1,0 +1,50 @@
+#pragma once
+// What an operator turns while the agent runs, through lines of the agent's configuration file
+// (snmpd.conf for the plug-in, after its dlmod line; the sub-agent's own file otherwise):
+//
+//   ipsnmpTrace SPEC          switches trace facilities on by name and level, e.g. "IpSnmp:0-9,Snmp:2";
+//                             several lines add up
+//   ipsnmpFlitlogFile PATH    where the Flitlog ring goes (default /var/tmp/ipsnmp-flitlog.<pid>)
+//
+// and the Flitlog ring itself: the handlers' entry records, kept in memory and written whole to that
+// file when the process gets SIGUSR2, on the event loop. When the configuration is read again, or the
+// controls go, the facilities that the lines switched on go off first; what is on in any case (the
+// scenario's messages, and IPSNMP_TRACE of the environment) stays on.
+#include <memory>
+#include <string>
+
+#include "platform/quor/Flitlog.h"
+#include "plugin/SignalWatch.h"
+
+class OperatorControls {
+ public:
+  // Records kept by the ring: the most recent handler entries.
+  static constexpr std::size_t ringRecords = 65536;
+
+  // Registers the tokens with the application that is reading its configuration, installs the ring
+  // as the process's trace file and watches SIGUSR2. One at a time.
+  OperatorControls();
+  ~OperatorControls();
+  OperatorControls(const OperatorControls&) = delete;
+  OperatorControls& operator=(const OperatorControls&) = delete;
+
+  // Writes the ring, oldest record first, to flitlogFile() (through a file beside it renamed over it);
+  // the error, or nothing.
+  std::string flitlogDumped() const;
+  const std::string& flitlogFile() const noexcept { return flitlogFile_; }
+  // Forgets what the configuration said, as before a reading of it: traces off but the ones that are
+  // always on, the ring's file back to its default.
+  void configurationReset();
+
+ private:
+  static void parseTrace(const char* token, char* spec);
+  static void parseFlitlogFile(const char* token, char* path);
+  static void releaseTrace();
+  static void releaseFlitlogFile();
+  // Switches off what the configuration switched on, and back on what is on in any case.
+  static void tracesOff();
+
+  Flitlog::RingBuf ring_{ringRecords};
+  std::string flitlogFile_;
+  std::unique_ptr<SignalWatch> dumpRequest_;
+};
