@@ -66,7 +66,7 @@ AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& t
       mode_(mode) {
   writeFile(scenarioPath_, scenario);
   std::vector<std::string> argv{IPSNMP_AGENT_LAUNCHER, "--scenario", scenarioPath_, "--listen", "udp:" + address_,
-                                "--log", dir_ + "/snmpd.log", "--trace", "Snmp:0-2"};
+                                "--log", dir_ + "/snmpd.log", "--trace", "Snmp:0-2", "--flitlog", dir_ + "/flitlog"};
   if (!tables.empty()) argv.insert(argv.end(), {"--tables", tables});
   if (mode == AgentMode::subagent) argv.push_back("--agentx");
   process_ = std::make_unique<BackgroundProcess>(argv);
@@ -83,6 +83,17 @@ bool AgentUnderTest::masterKilled() {
   const pid_t master = lastMasterPid(process_->output());
   if (mode_ != AgentMode::subagent || master <= 0 || ::kill(master, SIGKILL) != 0) return false;
   return process_->waitForLine("master exited with status 137, starting it again", 10.0);
+}
+
+std::string AgentUnderTest::flitlogDump() {
+  const std::string file = dir_ + "/flitlog";
+  std::filesystem::remove(file);
+  process_->signal(SIGUSR2);
+  for (int i = 0; i < 50 && !std::filesystem::exists(file); ++i) ::usleep(100000);
+  std::ifstream in(file);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 void AgentUnderTest::scenarioIs(const std::string& scenario) {

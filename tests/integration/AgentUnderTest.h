@@ -38,6 +38,9 @@ class AgentUnderTest {
   void reload() { process_->signal(SIGHUP); }
   // The sub-agent's master dies (SIGKILL); true once the launcher has started it again.
   bool masterKilled();
+  // The Flitlog ring as the agent writes it on SIGUSR2 (through the launcher); empty when no file
+  // came within a few seconds.
+  std::string flitlogDump();
   // Replaces the scenario file in one step, as an editor that saves by renaming does.
   void scenarioIs(const std::string& scenario);
   // snmpd's log, the plug-in's messages among it.
