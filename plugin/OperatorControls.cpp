@@ -7,8 +7,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <stdexcept>
+#include <vector>
 
 #include "platform/quor/Exception.h"
 #include "platform/quor/Trace.h"
@@ -111,21 +113,29 @@ void OperatorControls::tracesOff() {
   baselineTraces();
 }
 
+// A line is checked whole before any of it applies, so that a bad item switches nothing on.
 void OperatorControls::parseTrace(const char*, char* spec) {
+  static const std::regex item("[^:]+(:[0-9](-[0-9])?)?");
   const std::string text = trimmed(spec);
+  std::vector<std::string> facilities;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const auto comma = rest.find(',');
+    const std::string one(rest.substr(0, comma));
+    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
+    if (one.empty()) continue;
+    if (!std::regex_match(one, item)) {
+      config_perror(("bad trace facility or levels '" + one + "', not FACILITY[:LEVEL[-LEVEL]]").c_str());
+      return;
+    }
+    facilities.push_back(one.substr(0, one.find(':')));
+  }
   try {
     Quor::traceConfigure(text);
   } catch (const Quor::RangeException& e) {
     config_perror(e.what());
-    return;
   }
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const auto comma = rest.find(',');
-    std::string_view item = rest.substr(0, comma);
-    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-    if (!item.empty()) configuredFacilities().emplace(item.substr(0, item.find(':')));
-  }
+  configuredFacilities().insert(facilities.begin(), facilities.end());
 }
 
 void OperatorControls::parseFlitlogFile(const char*, char* path) {

@@ -72,8 +72,11 @@ TEST_F(OperatorControlsTest, TraceLinesSwitchTheNamedFacilitiesAndLevelsOn) {
 
 TEST_F(OperatorControlsTest, MalformedTraceLineSwitchesNothingOn) {
   OperatorControls controls;
-  configurationLine("ipsnmpTrace CtlFacilityD:12");
-  for (int level = 0; level <= 9; ++level) EXPECT_FALSE(on("CtlFacilityD", level)) << level;
+  for (const char* line : {"ipsnmpTrace CtlFacilityD:1,CtlFacilityH:12", "ipsnmpTrace CtlFacilityD:1,CtlFacilityH:3-",
+                           "ipsnmpTrace CtlFacilityD:1,:4", "ipsnmpTrace CtlFacilityD:1,CtlFacilityH:x"}) {
+    configurationLine(line);
+    for (int level = 0; level <= 9; ++level) EXPECT_FALSE(on("CtlFacilityD", level)) << line << " " << level;
+  }
 }
 
 TEST_F(OperatorControlsTest, ReadingAgainStartsFromWhatIsAlwaysOn) {
