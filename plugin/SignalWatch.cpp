@@ -22,7 +22,10 @@ extern "C" void onSignal(int signal) {
   const int fd = pipeOf[signal] - 1;
   const char byte = 1;
   // A full pipe already holds a wake-up for this signal: losing this byte loses nothing.
-  if (fd >= 0) [[maybe_unused]] auto written = ::write(fd, &byte, 1);
+  if (fd >= 0) {
+    const ssize_t written = ::write(fd, &byte, 1);
+    static_cast<void>(written);
+  }
   errno = saved;
 }
 

@@ -7,6 +7,7 @@
 // One thread: net-snmp's loop (agent_check_and_process) serves the master's requests, the agent's
 // timers and descriptors, and the signals, which reach it through SignalWatch.
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "platform/snmp/NetSnmp.h"
@@ -19,6 +20,9 @@ namespace {
 const char* const appName = "ipsnmp-subagent";
 
 void configureAgentLibrary(const SubagentOptions& options) {
+  // The sub-agent names no object by its MIB name: loading the system's MIB files would only fill
+  // its log with the modules that Debian leaves out. MIBS set by the caller still counts.
+  ::setenv("MIBS", "", 0);
   if (options.log.empty())
     snmp_enable_stderrlog();
   else
