@@ -193,6 +193,12 @@ int usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // First of all, so that a stop sent right after the start is not lost.
+  struct sigaction stop {};
+  stop.sa_handler = [](int) { stopRequested = 1; };
+  ::sigaction(SIGINT, &stop, nullptr);
+  ::sigaction(SIGTERM, &stop, nullptr);
+
   std::string community = "public", context;
   double timeout = 5;
   int i = 1;
@@ -214,10 +220,6 @@ int main(int argc, char** argv) {
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD, 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, 1);
   init_snmp("ipsnmp-bench-probe");
-  struct sigaction stop {};
-  stop.sa_handler = [](int) { stopRequested = 1; };
-  ::sigaction(SIGINT, &stop, nullptr);
-  ::sigaction(SIGTERM, &stop, nullptr);
 
   Session session(host, community, context, timeout);
   const Oid target = parseOid(argv[i + 2]);
