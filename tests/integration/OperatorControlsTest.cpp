@@ -1,6 +1,6 @@
 // The operator's controls in the real agent, the plug-in and the sub-agent alike: the launcher's
 // --trace reaches the agent as a configuration line and switches on exactly the facility and levels
-// it names, and SIGUSR2 has the agent write its Flitlog ring, whose records name the handlers that
+// it names, from the agent's start-up on, and SIGUSR2 has the agent write its Flitlog ring, whose records name the handlers that
 // served the requests.
 #include <gtest/gtest.h>
 
@@ -14,6 +14,7 @@ namespace {
 
 const char* const scenario =
     "routing:\n  ipv4: true\n  ipv6: false\n"
+    "vrfs:\n  red:\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n"
     "interfaces:\n"
     "  Ethernet1:\n    ifIndex: 1\n    config: { ipv4: 10.0.1.1/24 }\n    status: { ipv4: 10.0.1.1/24 }\n"
     "snmp:\n  initialized: true\n";
@@ -32,7 +33,11 @@ class OperatorControlsTest : public ::testing::TestWithParam<AgentMode> {
 };
 
 TEST_P(OperatorControlsTest, TraceOptionSwitchesOnTheNamedFacilityAndLevelsOnly) {
-  // The harness starts every agent with --trace Snmp:0-2: request flow, not function entry.
+  // The harness starts every agent with --trace Snmp:0-2: request flow, not function entry. VRF red's
+  // context, opened during the start, has no ipv6IpForwarding: a level-2 line of the start-up.
+  EXPECT_NE(agent->log().find("init_IpBase in context \"red\": morvanePathWithContext not specified"),
+            std::string::npos)
+      << agent->log();
   ASSERT_FALSE(agent->tools().walk(Credentials::v2c("public"), ".1.3.6.1.2.1.4.20").varbinds.empty());
   EXPECT_TRUE(eventually([&] { return agent->log().find("Snmp/2 ") != std::string::npos; }, 5.0)) << agent->log();
   EXPECT_EQ(agent->log().find("Snmp/8 "), std::string::npos);
