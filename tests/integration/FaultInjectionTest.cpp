@@ -181,6 +181,18 @@ std::uint64_t recordWrites(const std::string& path) {
 }
 bool batchOpen(const std::string& path) { return headerCounter<std::uint64_t>(path, offsetof(Tarn::FileHeader, commitSeq)) & 1; }
 
+// A directory of the test's, removed with this object whatever the test's outcome.
+struct ScratchDirectory {
+  explicit ScratchDirectory(std::string where) : path(std::move(where)) { fs::create_directories(path); }
+  ~ScratchDirectory() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+  const std::string path;
+};
+
 class FaultInjectionTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -241,7 +253,8 @@ TEST_F(FaultInjectionTest, TableWriterKilledMidBatchLeavesWholeRowsAndTheNextWri
 // the VRF's context keep their rows. The next save of the scenario rebuilds the table and the
 // neighbours come back whole.
 TEST_F(FaultInjectionTest, TableFileDamagedUnderTheAgentIsReportedAndRebuiltByTheNextWrite) {
-  const std::string reports = tables.path() + "-corruption";
+  const ScratchDirectory scratch(tables.path() + "-corruption");
+  const std::string& reports = scratch.path;
   ::setenv("TARN_CORRUPTION_DIR", reports.c_str(), 1);
   ASSERT_NO_FATAL_FAILURE(start(tablesScenario(0)));
   ::unsetenv("TARN_CORRUPTION_DIR");
@@ -276,7 +289,6 @@ TEST_F(FaultInjectionTest, TableFileDamagedUnderTheAgentIsReportedAndRebuiltByTh
   })) << "no corruption report in " << reports;
   EXPECT_NE(report.find(arpFile()), std::string::npos) << report;
   EXPECT_NE(report.find("does not match its checksum"), std::string::npos) << report;
-  fs::remove_all(reports);
 
   EXPECT_TRUE(agent->running());
   const std::vector<Cell> routes(goodCells.begin(), goodCells.begin() + 2);
@@ -356,9 +368,9 @@ TEST_F(StatisticsFaultTest, VrfNamespaceDeletedUnderReadsLeavesTheAgentAnswering
   const std::string ns = "ns-" + vrf;
   if (::geteuid() != 0 || runCommand({"ip", "netns", "add", ns}).exitStatus != 0)
     GTEST_SKIP() << "cannot make a network namespace here (needs root and ip(8))";
-  struct Removal {
+  struct NamespaceRemoval {
     std::string ns;
-    ~Removal() {
+    ~NamespaceRemoval() {
       if (fs::exists("/var/run/netns/" + ns)) runCommand({"ip", "netns", "del", ns});
     }
   } removal{ns};
@@ -400,12 +412,8 @@ TEST_F(StatisticsFaultTest, VrfNamespaceDeletedUnderReadsLeavesTheAgentAnswering
 // or come back empty: both rows keep the numbers of their last good read and answer them, and the
 // next good files are read again.
 TEST_F(StatisticsFaultTest, MissingOrEmptyCounterFilesKeepTheLastGoodNumbers) {
-  const std::string dir = (fs::temp_directory_path() / ("ipsnmp-procnet-" + std::to_string(::getpid()))).string();
-  fs::create_directories(dir);
-  struct Removal {
-    std::string dir;
-    ~Removal() { fs::remove_all(dir); }
-  } removal{dir};
+  const ScratchDirectory scratch((fs::temp_directory_path() / ("ipsnmp-procnet-" + std::to_string(::getpid()))).string());
+  const std::string& dir = scratch.path;
   const std::vector<std::pair<std::string, std::string>> files = {
       {"PROC_NET_SNMP", "snmp"}, {"PROC_NET_NETSTAT", "netstat"}, {"PROC_NET_SNMP6", "snmp6"}};
   // InReceives of each file set to `v4` and `v6`, the rest as the kernel has it.
