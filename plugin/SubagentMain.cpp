@@ -6,6 +6,7 @@
 //
 // One thread: net-snmp's loop (agent_check_and_process) serves the master's requests, the agent's
 // timers and descriptors, and the signals, which reach it through SignalWatch.
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -36,6 +37,9 @@ void configureAgentLibrary(const SubagentOptions& options) {
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options.agentxSocket.c_str());
   if (!options.config.empty())
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options.config.c_str());
+  // A master that dies under a write must be a closed connection, found again later, not the end of
+  // the sub-agent (snmpd ignores SIGPIPE the same way).
+  std::signal(SIGPIPE, SIG_IGN);
   // The sub-agent keeps nothing between runs.
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
 }
