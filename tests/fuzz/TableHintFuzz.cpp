@@ -8,7 +8,8 @@
 // first bytes of the value.
 //
 // Property: a hint can only shorten a search, never change its answer, so the rows walked from the
-// hinted start are the last rows of the walk from the first row.
+// hinted start are the last rows of the walk from the first row. The statistics table reads no hint;
+// whatever the helper left in its loop context must not change its walk either.
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "MibTree.h"
 #include "frontend/IpBaseTables.h"
 #include "frontend/IpForward.h"
+#include "frontend/IpSwForwarding.h"
 #include "frontend/VrfBase.h"
 #include "platform/tarn/ArpStatus.h"
 #include "platform/tarn/TableEntity.h"
@@ -47,6 +49,8 @@ class Tables {
     tree_.ipVrfMib->vrfTableIs(Snmp::String("blue"), nullptr, nullptr);
     tree_.ipVrfMib->vrfIfTableIs(7)->vrfNameIs(Snmp::String("red"));
     tree_.ipVrfMib->vrfIfTableIs(3);
+    tree_.ipMib->ipSwFwdStatsIs(Ip::ipVersion4, Quor::Name("default"));
+    tree_.ipMib->ipSwFwdStatsIs(Ip::ipVersion6, Quor::Name("default"));
   }
 
   std::vector<Table> all() const {
@@ -67,6 +71,8 @@ class Tables {
          oskelVrfTable_free_loop_context_at_end, vrfMib},
         {oskelVrfIfTable_get_first_data_point, oskelVrfIfTable_get_next_data_point,
          oskelVrfIfTable_free_loop_context_at_end, vrfMib},
+        {oskelSwFwdIpStatsTable_get_first_data_point, oskelSwFwdIpStatsTable_get_next_data_point,
+         oskelSwFwdIpStatsTable_free_loop_context_at_end, ipMib},
     };
   }
 
