@@ -1,7 +1,8 @@
 // The agent as an AgentX sub-agent behind snmpd as master: for the same scenario it answers exactly
 // as the plug-in inside snmpd does, in the default context and in a VRF's, through SNMPv2c and v3;
 // and when its master dies and comes back, the sub-agent registers again, the VRF contexts with the
-// default one, and the same walks answer again.
+// default one, and the same walks answer again; VRFs that came and went while the master was away
+// are served, or not, as they are when it returns.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -107,6 +108,32 @@ TEST_F(SubagentTest, WalksAnswerAgainAfterTheMasterRestarts) {
     EXPECT_TRUE(eventually([&] { return (after = served(*subagent, asked[i])) == before[i]; }))
         << asked[i].args.back() << "\nbefore:\n" << before[i] << "\nafter:\n" << after;
   }
+  EXPECT_TRUE(subagent->running());
+}
+
+TEST_F(SubagentTest, VrfsThatChangeWhileTheMasterIsAwayAreServedAsTheyAreWhenItReturns) {
+  start(AgentMode::subagent);
+  const std::string ipForwarding = ".1.3.6.1.2.1.4.1.0";
+  ASSERT_TRUE(eventually([&] { return subagent->tools().getOne(Credentials::v3("blue"), ipForwarding).has_value(); }));
+
+  ASSERT_TRUE(subagent->masterKilled()) << subagent->diagnostics();
+  // The sub-agent finds the new master within a ping interval (a second): the edit is seen first.
+  std::string edited = scenarioText();
+  const std::string blueActive = "status: { state: active, namespace: ns-blue }";
+  ASSERT_NE(edited.find(blueActive), std::string::npos);
+  edited.replace(edited.find(blueActive), blueActive.size(), "status: { state: deleting, namespace: ns-blue }");
+  edited.replace(edited.find("vrfs:\n"), 6,
+                 "vrfs:\n  green:\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n");
+  subagent->scenarioIs(edited);
+
+  EXPECT_TRUE(eventually([&] {
+    auto vb = subagent->tools().getOne(Credentials::v3("green"), ipForwarding);
+    return vb && vb->type == "INTEGER" && vb->value == "1";
+  })) << "a VRF up since the master left";
+  auto red = subagent->tools().getOne(Credentials::v3("red"), ipForwarding);
+  EXPECT_TRUE(red && red->type == "INTEGER") << "a VRF up all along";
+  // The returned master has never heard of blue: no answer at all, as for any unknown context.
+  EXPECT_TRUE(subagent->tools().impatient().get(Credentials::v3("blue"), {ipForwarding}).timedOut);
   EXPECT_TRUE(subagent->running());
 }
 
