@@ -10,6 +10,13 @@
 //       answer that has the value, or to the sending of the request that found it gone); exits 1
 //       when LIMIT-S seconds pass first.
 //
+//   ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET
+//       opens the route table under TABLE-ROOT once, as a routing agent does, and puts COUNT + 1 new
+//       routes 201.OCTET.i.0/24 (i < 256) through FEC 1 (next hop 10.0.0.2), each committed and then
+//       polled until its ipCidrRouteDest cell answers: a GET for the first, then a GETNEXT from the
+//       route before; prints "first_ms=X median_ms=X worst_ms=X", the first being the write right
+//       after the writer took the file over.
+//
 // -c picks an SNMPv2c community (default "public"), -n a context through SNMPv3 user "ipsnmp" without
 // authentication; -t is the time a request waits for its answer (default 5 s, no retries).
 #include <net-snmp/net-snmp-config.h>
@@ -26,6 +33,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "bench/HeldRouteWriter.h"
 
 namespace {
 
@@ -188,10 +197,63 @@ int await(Session& session, const Oid& target, bool wantValue, double limitS, ch
   }
 }
 
+// Polls `target` until it has a value; the milliseconds from `from`, or -1 after `limitS`.
+double untilSeen(Session& session, const Oid& target, Clock::time_point from, double limitS) {
+  while (msSince(from) < limitS * 1e3) {
+    netsnmp_pdu* response = session.ask(getOf(target));
+    const bool seen = hasValue(response);
+    if (response) snmp_free_pdu(response);
+    if (seen) return msSince(from);
+  }
+  return -1;
+}
+
+// Polls with a GETNEXT from `previous`, a row that exists, until the answer is `target`; the
+// milliseconds from `from`, or -1 after `limitS`. A GET of a row that does not exist yet would make
+// the table iterator look at every row.
+double untilNext(Session& session, const Oid& previous, const Oid& target, Clock::time_point from, double limitS) {
+  while (msSince(from) < limitS * 1e3) {
+    netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_GETNEXT);
+    snmp_add_null_var(pdu, previous.ids, previous.length);
+    netsnmp_pdu* response = session.ask(pdu);
+    const bool seen = hasValue(response) &&
+                      snmp_oid_compare(response->variables->name, response->variables->name_length, target.ids, target.length) == 0;
+    if (response) snmp_free_pdu(response);
+    if (seen) return msSince(from);
+  }
+  return -1;
+}
+
+int heldWriter(Session& session, const std::string& root, int count, int octet) {
+  HeldRouteWriter writer(root);
+  std::vector<double> times;
+  double first = 0;
+  Oid previous;
+  for (int i = 0; i <= count; ++i) {
+    const std::string dest = "201." + std::to_string(octet) + "." + std::to_string(i) + ".0";
+    const Oid target = parseOid((".1.3.6.1.2.1.4.24.4.1.1." + dest + ".255.255.255.0.0.10.0.0.2").c_str());
+    writer.put(dest + "/24", 1);
+    const Clock::time_point written = Clock::now();
+    const double ms = i == 0 ? untilSeen(session, target, written, 60) : untilNext(session, previous, target, written, 60);
+    previous = target;
+    if (ms < 0) {
+      std::printf("first_ms=timeout median_ms=timeout worst_ms=timeout\n");
+      return 1;
+    }
+    if (i == 0)
+      first = ms;
+    else
+      times.push_back(ms);
+  }
+  std::printf("first_ms=%.2f median_ms=%.2f worst_ms=%.2f\n", first, quantile(times, 0.5), quantile(times, 1.0));
+  return 0;
+}
+
 int usage() {
   std::fprintf(stderr,
                "usage: ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST watch OID [WALK-OID] [INTERVAL-MS]\n"
-               "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST appear|gone OID LIMIT-S [COMMAND...]\n");
+               "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST appear|gone OID LIMIT-S [COMMAND...]\n"
+               "       ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET\n");
   return 2;
 }
 
@@ -227,6 +289,15 @@ int main(int argc, char** argv) {
   init_snmp("ipsnmp-bench-probe");
 
   Session session(host, community, context, timeout);
+  if (mode == "held-writer") {
+    if (argc - i != 5) return usage();
+    try {
+      return heldWriter(session, argv[i + 2], std::atoi(argv[i + 3]), std::atoi(argv[i + 4]));
+    } catch (const std::exception& e) {
+      std::fprintf(stderr, "ipsnmp-bench-probe: %s\n", e.what());
+      return 2;
+    }
+  }
   const Oid target = parseOid(argv[i + 2]);
   if (mode == "watch") {
     if (argc - i > 5) return usage();
