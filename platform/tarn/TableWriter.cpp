@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -37,18 +38,26 @@ bool sameFile(int fd, const std::string& path) {
   return ::fstat(fd, &a) == 0 && ::stat(path.c_str(), &b) == 0 && a.st_ino == b.st_ino && a.st_dev == b.st_dev;
 }
 
-// Whether `fd` holds a well-formed table of `type` with exactly `g`, so that it can be taken over.
-bool fits(int fd, std::string_view type, const TableGeometry& g) {
+// The geometry of the table in `fd` when it is a well-formed one of `type` whose records are like
+// those of `g`, whatever its size.
+std::optional<TableGeometry> tableIn(int fd, std::string_view type, const TableGeometry& g) {
   struct stat st;
   FileHeader h;
-  if (::fstat(fd, &st) != 0 || static_cast<U64>(st.st_size) != g.fileSize()) return false;
-  if (::pread(fd, &h, fixedHeaderSize, 0) != static_cast<ssize_t>(fixedHeaderSize))
-    return false;
+  if (::fstat(fd, &st) != 0 || ::pread(fd, &h, fixedHeaderSize, 0) != static_cast<ssize_t>(fixedHeaderSize))
+    return std::nullopt;
   TableGeometry f = h.geometry();
-  return std::memcmp(h.magic, fileMagic, sizeof fileMagic) == 0 && h.seal == h.computeSeal() &&
-         h.layoutVersion == layoutVersion && std::string_view(h.type, strnlen(h.type, typeNameSize)) == type &&
-         f.keySize == g.keySize && f.recordSize == g.recordSize && f.maxMembers == g.maxMembers &&
-         f.capacity == g.capacity && f.logCapacity == g.logCapacity && h.fileSize == g.fileSize();
+  bool wellFormed = std::memcmp(h.magic, fileMagic, sizeof fileMagic) == 0 && h.seal == h.computeSeal() &&
+                    h.layoutVersion == layoutVersion &&
+                    std::string_view(h.type, strnlen(h.type, typeNameSize)) == type && f.keySize == g.keySize &&
+                    f.recordSize == g.recordSize && f.maxMembers < f.capacity && f.logCapacity != 0 &&
+                    (f.logCapacity & (f.logCapacity - 1)) == 0 && h.fileSize == f.fileSize() &&
+                    static_cast<U64>(st.st_size) == f.fileSize();
+  if (!wellFormed) return std::nullopt;
+  return f;
+}
+
+bool sameSize(const TableGeometry& a, const TableGeometry& b) {
+  return a.maxMembers == b.maxMembers && a.capacity == b.capacity && a.logCapacity == b.logCapacity;
 }
 
 void initHeader(FileHeader& h, std::string_view type, const TableGeometry& g) {
@@ -84,8 +93,10 @@ TableWriter::TableWriter(std::string path, std::string_view type, const TableGeo
     lockForWriting(fd_.get(), path_, deadline);
   } while (!sameFile(fd_.get(), path_));
 
-  if (!fresh && fits(fd_.get(), type, geometry_) && takeOver()) return;
-  // A fresh file is built aside and renamed into place, so that a reader never maps a half-made one.
+  const std::optional<TableGeometry> present = fresh ? std::nullopt : tableIn(fd_.get(), type, geometry_);
+  if (present && sameSize(*present, geometry_) && takeOver()) return;
+  // A new file is built aside and renamed into place, so that a reader never maps a half-made one. A
+  // table of another size is rebuilt with its records, so that readers never see it empty.
   std::string aside = path_ + ".new." + std::to_string(::getpid());
   FileDescriptor fresher(::open(aside.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   if (!fresher) throwSystemError("open", aside);
@@ -94,6 +105,14 @@ TableWriter::TableWriter(std::string path, std::string_view type, const TableGeo
   mapping_ = Mapping(fresher.get(), geometry_.fileSize(), true);
   memory_ = TableMemory(mapping_.base(), geometry_);
   initHeader(memory_.header(), type, geometry_);
+  if (present && !sameSize(*present, geometry_)) {
+    try {
+      carryOver(*present);
+    } catch (...) {
+      ::unlink(aside.c_str());
+      throw;
+    }
+  }
   if (::rename(aside.c_str(), path_.c_str()) != 0) throwSystemError("rename", aside);
   fd_ = std::move(fresher);
 }
@@ -122,6 +141,29 @@ bool TableWriter::takeOver() {
   if (h.commitSeq.load(std::memory_order_relaxed) & 1) h.commitSeq.fetch_add(1, std::memory_order_release);
   h.generation.fetch_add(1, std::memory_order_release);
   return true;
+}
+
+// Copies the whole records of the file still held in fd_, a table of geometry `from`, into the new
+// file. A damaged record is left behind, as a reader would refuse it.
+void TableWriter::carryOver(const TableGeometry& from) {
+  const Mapping old(fd_.get(), from.fileSize(), false);
+  const TableMemory records(old.base(), from);
+  U32 members = 0;
+  for (U32 slot = 0; slot < from.capacity; ++slot) {
+    CellHeader& cell = records.current(slot);
+    const std::byte* record = TableMemory::record(cell);
+    if (static_cast<SlotState>(cell.state) != SlotState::occupied ||
+        cell.checksum != cellChecksum(cell.state, record, from.recordSize))
+      continue;
+    Probe p = probe(record);
+    if (p.found) continue;
+    if (members == geometry_.maxMembers)
+      Quor::throwRangeException(path_ + ": more than " + std::to_string(geometry_.maxMembers) +
+                                " records to carry over into the rebuilt table");
+    writeSlot(p.slot, SlotState::occupied, record);
+    ++members;
+  }
+  memory_.header().members.store(members, std::memory_order_relaxed);
 }
 
 SlotState TableWriter::stateOf(U32 slot) const { return static_cast<SlotState>(memory_.current(slot).state); }

@@ -5,7 +5,9 @@
 // A file is written by one writer at a time, held by an open-file-description lock for the
 // writer's life. A writer that finds a well-formed file of the same type and geometry takes it over
 // (readers keep their mapping and reconcile, because the generation changes); otherwise it builds a
-// fresh file beside it and renames it into place, and readers move to the new file.
+// new file beside it and renames it into place, and readers move to the new file. The new file of a
+// table rebuilt at another size already holds every record of the old one, so that a reader never
+// sees a key vanish while the table grows.
 //
 // Each put or erase is visible to readers as soon as it is made, one record at a time; a batch only
 // groups the wake-up. A writer killed in a batch leaves every record whole and the commit counter
@@ -23,7 +25,8 @@ class TableWriter {
  public:
   // Opens or creates the table file at `path` (and its directories). Waits up to `lockWait` seconds
   // for another writer to let go, then raises std::system_error (EWOULDBLOCK). `fresh` discards what
-  // the file holds.
+  // the file holds. Raises Quor::RangeException, leaving the file as it was, when the records of a
+  // table of another size do not fit `geometry`.
   TableWriter(std::string path, std::string_view type, const TableGeometry& geometry, double lockWait = 0,
               bool fresh = false);
   ~TableWriter();
@@ -51,6 +54,7 @@ class TableWriter {
     bool found;
   };
   bool takeOver();
+  void carryOver(const TableGeometry& from);
   Probe probe(const void* key) const;
   SlotState stateOf(U32 slot) const;
   const std::byte* recordOf(U32 slot) const;

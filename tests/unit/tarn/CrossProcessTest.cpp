@@ -8,6 +8,7 @@
 #include <random>
 #include <thread>
 #include <unordered_map>
+#include <utility>
 
 #include "platform/quor/Clock.h"
 #include "platform/tarn/TableFollower.h"
@@ -72,7 +73,8 @@ class CrossProcess : public TarnTest::TableDir {
     mirror_.follower->detach(false);
     TableDir::TearDown();
   }
-  Tarn::TableGeometry geometry() const { return TarnTest::checkedGeometry(120000); }
+  static constexpr U32 tableSize = 120000;
+  Tarn::TableGeometry geometry() const { return TarnTest::checkedGeometry(tableSize); }
 
   // Runs `write` in a child process that exits when it returns.
   pid_t spawnWriter(const std::function<void(Tarn::TableWriter&)>& write) {
@@ -111,6 +113,15 @@ class CrossProcess : public TarnTest::TableDir {
 
   Mirror mirror_;
 };
+
+void putRange(Tarn::TableWriter& w, U64 from, U64 to, U64 version) {
+  for (U64 k = from; k < to; ++k) {
+    CheckedRecord r = CheckedRecord::make(k, version);
+    w.put(&r);
+    if (k % 1000 == 999) w.commit();
+  }
+  w.commit();
+}
 
 TEST_F(CrossProcess, EveryChangeOfAWriterInAnotherProcessReachesTheReaderWhole) {
   { Tarn::TableWriter(path(), TarnTest::checkedType, geometry()); }  // an empty table to start from
@@ -165,6 +176,60 @@ TEST_F(CrossProcess, EveryChangeOfAWriterInAnotherProcessReachesTheReaderWhole) 
   RecordProperty("reads", std::to_string(reads));
   RecordProperty("keysTold", std::to_string(mirror_.told));
   RecordProperty("resyncs", std::to_string(mirror_.follower->feed().resyncs()));
+}
+
+// A save that grows a table rebuilds the file at the larger size, then adds to it. The writer stops
+// between the two steps: the reader has moved to the new file by then and must still find every key.
+TEST_F(CrossProcess, AReaderWatchingATableThatGrowsNeverSeesAKeyVanish) {
+  constexpr U64 before = 800, after = 50000;
+  { Tarn::TableWriter(path(), TarnTest::checkedType, TarnTest::checkedGeometry(1000)); }
+  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
+  {
+    Tarn::TableWriter w(path(), TarnTest::checkedType, TarnTest::checkedGeometry(1000));
+    putRange(w, 0, before, 1);
+  }
+  settle();
+  ASSERT_EQ(mirror_.model.size(), before);
+  const U64 toldBefore = mirror_.told;
+
+  // The child waits on `resume` after the rebuild; if the test stops early, closing it lets it go.
+  struct Pipes {
+    int rebuilt[2] = {-1, -1}, resume[2] = {-1, -1};
+    ~Pipes() {
+      for (int fd : {rebuilt[0], rebuilt[1], resume[0], resume[1]}) ::close(fd);
+    }
+  } pipes;
+  ASSERT_EQ(::pipe(pipes.rebuilt), 0);
+  ASSERT_EQ(::pipe(pipes.resume), 0);
+  pid_t child = spawnWriter([&](Tarn::TableWriter& w) {
+    ::close(pipes.resume[1]);
+    char step = 0;
+    if (::write(pipes.rebuilt[1], &step, 1) != 1 || ::read(pipes.resume[0], &step, 1) != 1) ::_exit(3);
+    putRange(w, before, after, 2);
+  });
+  ::close(std::exchange(pipes.rebuilt[1], -1));  // a child that dies early ends the wait below
+  char step = 0;
+  ASSERT_EQ(::read(pipes.rebuilt[0], &step, 1), 1);
+  ASSERT_TRUE(TarnTest::turnUntil([&] {
+    const Tarn::TableReader* r = mirror_.follower->reader();
+    return r && r->geometry().maxMembers == tableSize && mirror_.follower->feed().caughtUp(*r);
+  })) << "the reader never moved to the rebuilt file";
+  auto rebuiltFile = Tarn::TableReader::open(path(), TarnTest::checkedType, sizeof(U64), sizeof(CheckedRecord));
+  CheckedRecord out;
+  U64 missing = 0;
+  for (U64 k = 0; k < before; ++k) missing += !rebuiltFile->lookup(&k, &out);
+  EXPECT_EQ(missing, 0u) << "keys missing from the rebuilt file";
+  EXPECT_EQ(mirror_.model.size(), before) << "a key vanished from the reader's copy";
+  EXPECT_GE(mirror_.told - toldBefore, before) << "the move to the new file is delivered key by key";
+
+  ASSERT_EQ(::write(pipes.resume[1], &step, 1), 1);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  settle();
+  EXPECT_EQ(mirror_.torn, 0u);
+  EXPECT_EQ(mirror_.model.size(), after);
+  EXPECT_EQ(disagreements(mirror_.model, walk(*mirror_.follower->reader())), "");
 }
 
 TEST_F(CrossProcess, AWriterKilledInABatchLeavesWholeRecordsAndNoLostChange) {

@@ -1,4 +1,6 @@
 // Records by key in a table file: what a writer puts, a reader finds, whatever churn came before.
+#include <filesystem>
+#include <iterator>
 #include <map>
 #include <random>
 #include <set>
@@ -134,14 +136,37 @@ TEST_F(TableStorage, AFreshWriterReplacesTheFileAndOldReadersKeepTheirView) {
   EXPECT_EQ(versionOf(*reader(), 1), std::nullopt);
 }
 
-TEST_F(TableStorage, AWriterOfAnotherGeometryRebuildsTheFile) {
+// Readers move to the rebuilt file as soon as it is in place: it must hold what the old one held.
+TEST_F(TableStorage, AWriterOfAnotherGeometryRebuildsTheFileWithItsRecords) {
   {
     auto w = writer(1000);
-    put(*w, 1, 10);
+    for (U64 k = 1; k <= 900; ++k) put(*w, k, k + 10);
+    for (U64 k = 3; k <= 900; k += 3) w->erase(&k);
   }
+  auto old = reader();
   auto w = writer(2000);
-  EXPECT_EQ(w->members(), 0u);
-  EXPECT_EQ(reader()->geometry().maxMembers, 2000u);
+  EXPECT_TRUE(old->unlinked());
+  EXPECT_EQ(w->members(), 600u);
+  auto r = reader();
+  EXPECT_EQ(r->geometry().maxMembers, 2000u);
+  EXPECT_EQ(r->members(), 600u);
+  EXPECT_FALSE(r->batchOpen());
+  for (U64 k = 1; k <= 900; ++k) ASSERT_EQ(versionOf(*r, k), k % 3 ? std::optional<U64>(k + 10) : std::nullopt) << k;
+  for (U64 k = 901; k <= 1900; ++k) put(*w, k, 1);
+  EXPECT_EQ(w->members(), 1600u);
+}
+
+TEST_F(TableStorage, ARebuildTooSmallForTheRecordsIsRefusedAndTheFileKept) {
+  {
+    auto w = writer(100);
+    for (U64 k = 1; k <= 30; ++k) put(*w, k, 1);
+  }
+  auto old = reader();
+  EXPECT_THROW(writer(20), Quor::RangeException);
+  EXPECT_FALSE(old->unlinked());
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_), {}), 1) << "the half-built file is left behind";
+  auto w = writer(30);
+  EXPECT_EQ(w->members(), 30u);
 }
 
 TEST_F(TableStorage, OnlyOneWriterAtATime) {
