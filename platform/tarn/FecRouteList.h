@@ -45,6 +45,9 @@ class FecRouteList : public Quor::PtrInterface {
   void routeDel(const Pelt::Prefix& prefix);
   // The FEC `prefix` is listed under, null when none.
   const FecId* fecOf(const Pelt::Prefix& prefix) const;
+  // Room for `routes` listed prefixes: a list that grows with its route table one prefix at a time
+  // would otherwise rehash every prefix at once each time it doubles, a stall of its own at 1M routes.
+  void reserve(std::size_t routes) { listedUnder_.reserve(routes); }
   // Visits every listed prefix with its FEC.
   template <class Visit>
   void forEachRoute(Visit&& visit) const {

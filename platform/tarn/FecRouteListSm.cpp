@@ -33,10 +33,12 @@ void FecRouteListSm::handleRoute(const Pelt::Prefix& prefix) {
   } catch (const Tarn::CorruptionDetectedException& e) {
     status->route().corruptionDetected(e.text());
   }
-  if (route)
+  if (route) {
+    fecRouteList_->reserve(status->route().maxSize());
     fecRouteList_->routeIs(prefix, route.value().fecId);
-  else
+  } else {
     fecRouteList_->routeDel(prefix);
+  }
 }
 
 void FecRouteListSm::handleRoute() {
@@ -47,6 +49,7 @@ void FecRouteListSm::handleRoute() {
       Tarn::TarnMapIterator it;
       for (auto route = table.first(it); route; route = table.next(route.key(), it))
         present.emplace(route.key(), route.value().fecId);
+      if (!present.empty()) fecRouteList_->reserve(table.maxSize());
     } catch (const Tarn::CorruptionDetectedException& e) {
       table.corruptionDetected(e.text());  // the table reads as empty from now on, and so does the list
     }

@@ -1,14 +1,13 @@
 #pragma once
 // A table file written through its Codec that grows instead of filling up: when a new key finds the
-// table full, the table is built again at twice the size (a fresh file renamed into place, which
-// readers move to) with everything it held.
+// table full, the table is built again at twice the size (the writer carries every record into a new
+// file renamed into place, which readers move to).
 //
 // It opens at the size of the file already there, if larger than asked, so that a writer started
 // again takes its predecessor's file over instead of rebuilding it.
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/quor/Trace.h"
 #include "platform/tarn/TableReader.h"
@@ -60,13 +59,9 @@ class GrowingTable {
     return Tarn::TableGeometry::forRecords(Codec::keySize, sizeof(Record), maxMembers);
   }
   void grow() {
-    std::vector<Record> records;
-    records.reserve(writer_->members());
-    writer_->forEachRecord([&](const void* record) { records.push_back(*static_cast<const Record*>(record)); });
     const U32 size = writer_->geometry().maxMembers * 2;
-    writer_.reset();
-    writer_ = std::make_unique<Tarn::TableWriter>(path_, Codec::type, geometry(size), tableLockWait, true);
-    for (const Record& record : records) writer_->put(&record);
+    writer_.reset();  // commits the batch, so the larger file gets all of it
+    writer_ = std::make_unique<Tarn::TableWriter>(path_, Codec::type, geometry(size), tableLockWait);
     QTRACE(Quor::Tracer("Linux", "GrowingTable"), 1, path_ << " grown to " << size << " records");
   }
 

@@ -125,17 +125,8 @@ void RouteTables::putFec(const Tarn::Fib::Fec& fec) {
 
 void RouteTables::growFecs() {
   fecTable_.reset();
-  // Other sizes make a fresh pair of files, renamed into place: every live FEC is written again. The
-  // routes of a previous writer not yet rewritten miss their FEC until they are.
+  // The writer of another size carries every FEC into the new pair of files, stale ones included.
   fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
-  staleFecs_.clear();
-  for (const auto& [vias, use] : fecs_) {
-    if (use.users == 0) continue;  // the one being made, written by the caller
-    Tarn::Fib::Fec fec;
-    fec.fecId = use.id;
-    for (const Tarn::Fib::Via& via : vias) fec.viaAdd(via);
-    fecTable_->put(fec);
-  }
   QTRACE(tracer, 1, fecPath_ << " grown to " << maxFecs_ << " FECs and " << maxChunks_ << " chunks");
 }
 

@@ -152,8 +152,8 @@ TEST_F(TableSync, ATableTooSmallForTheScenarioGrowsAndALargeOneIsKept) {
                                    Pelt::EthAddr(0, 0, 1), false});
   }
   EXPECT_EQ(sync("arp:\n  - { interface: Ethernet1, address: 10.0.0.1, count: 20, mac: 02:00:00:00:00:01 }\n"),
-            (TableSyncCounts{20, 0}))
-      << "the file of 8 is rebuilt for 20, without the entry it held";
+            (TableSyncCounts{20, 1}))
+      << "the file of 8 is rebuilt for 20 with the entry it held, which the save erases";
   EXPECT_EQ(arpIn(root()).size(), 20u);
   EXPECT_EQ(sync("arp:\n  - { interface: Ethernet1, address: 10.0.0.1, count: 2, mac: 02:00:00:00:00:01 }\n"),
             (TableSyncCounts{0, 18}))
