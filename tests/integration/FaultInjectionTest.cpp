@@ -18,7 +18,7 @@
 #include <sstream>
 #include <thread>
 
-#include "AgentUnderTest.h"
+#include "AgentTest.h"
 #include "Eventually.h"
 #include "VrfScenario.h"
 #include "platform/tarn/TableFormat.h"
@@ -193,14 +193,8 @@ struct ScratchDirectory {
   const std::string path;
 };
 
-class FaultInjectionTest : public ::testing::Test {
+class FaultInjectionTest : public AgentTest {
  protected:
-  void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
-  }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
   void start(const std::string& scenario) {
     agent = std::make_unique<AgentUnderTest>(scenario, tables.path());
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
@@ -210,7 +204,6 @@ class FaultInjectionTest : public ::testing::Test {
   std::string arpFile() const { return tables.path() + "/arp/status/arpEntry"; }
 
   TableRoot tables;
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 // The writer is killed in the middle of the route table's batch, which gives the run other metrics
@@ -347,16 +340,7 @@ std::string inReceives(const AgentUnderTest& agent, const Credentials& who, unsi
 // Long enough for the agent's record of every row to be stale.
 void waitPastFreshness() { std::this_thread::sleep_for(std::chrono::milliseconds(600)); }
 
-class StatisticsFaultTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
-  }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
-  std::unique_ptr<AgentUnderTest> agent;
-};
+class StatisticsFaultTest : public AgentTest {};
 
 // A VRF's statistics row is read again and again, in the VRF's namespace, while the namespace is
 // deleted: every GET is answered with counters, snmpd ends up in its own namespace, and the VRF's

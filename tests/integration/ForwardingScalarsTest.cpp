@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "AgentUnderTest.h"
+#include "AgentTest.h"
 #include "Eventually.h"
 
 namespace IntegrationTest {
@@ -46,18 +46,12 @@ std::vector<std::string> walked(const ToolOutput& walk, const std::string& oid) 
   return values;
 }
 
-class ForwardingScalarsTest : public ::testing::Test {
+class ForwardingScalarsTest : public AgentTest {
  protected:
-  void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
-  }
   // Called as ASSERT_NO_FATAL_FAILURE(start(...)): a test goes no further without its agent.
   void start(const std::string& yaml) {
     agent = std::make_unique<AgentUnderTest>(yaml);
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
-  }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
   }
 
   // The INTEGER answered for `oid`, or the exception or failure in its place.
@@ -69,8 +63,6 @@ class ForwardingScalarsTest : public ::testing::Test {
   bool answersTo(const Credentials& who) const {
     return !agent->tools().impatient().get(who, {ipForwarding}).timedOut;
   }
-
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 TEST_F(ForwardingScalarsTest, IpForwardingIsOneWithRoutingOnAndTwoWithRoutingOff) {

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "AgentUnderTest.h"
+#include "AgentTest.h"
 #include "Eventually.h"
 
 namespace IntegrationTest {
@@ -18,17 +18,14 @@ const char* const scenario =
     "vrfs:\n  red:\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n"
     "snmp:\n  initialized: true\n";
 
-class TablesTest : public ::testing::Test {
+class TablesTest : public AgentTest {
  protected:
   void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+    AgentTest::SetUp();
+    if (IsSkipped()) return;
     agent = std::make_unique<AgentUnderTest>(scenario);
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
   }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 TEST_F(TablesTest, EmptyTablesWalkToNothingInEveryContext) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 
+#include "AgentTest.h"
 #include "VrfScenario.h"
 
 namespace IntegrationTest {
@@ -15,14 +16,8 @@ namespace {
 const Credentials defaultContext = Credentials::v2c("public");
 const Credentials redContext = Credentials::v3("red");
 
-class VrfLifecycleTest : public ::testing::Test {
+class VrfLifecycleTest : public AgentTest {
  protected:
-  void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
-  }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
   void start(const std::string& scenario) {
     agent = std::make_unique<AgentUnderTest>(scenario, tables.path());
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
@@ -41,7 +36,6 @@ class VrfLifecycleTest : public ::testing::Test {
   }
 
   TableRoot tables;
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 TEST_F(VrfLifecycleTest, ContextsComeAfterInitializationAndAnswerEveryTableWithTheVrfsRows) {
