@@ -34,17 +34,12 @@
 #include "platform/tarn/FecWriter.h"
 #include "platform/tarn/Mount.h"
 #include "platform/tarn/RecordWriter.h"
-#include "platform/tarn/TableReader.h"
+#include "platform/tarn/TableSizes.h"
 #include "platform/tarn/Util.h"
 #include "platform/tarn/VrfEntry.h"
 
 namespace {
 
-// Sizes of the tables this tool creates; a writer with other sizes would rebuild the files, so a
-// larger table that is already there (a scenario's million routes) is written at its own size.
-constexpr U32 maxRoutes = 65536;
-constexpr U32 maxArpEntries = 16384;
-constexpr U32 maxVrfIds = 1024;
 // How long to wait for another writer of the same table to finish.
 constexpr double lockWait = 5;
 
@@ -90,20 +85,9 @@ void arity(const std::vector<std::string>& words, std::size_t least, std::size_t
   if (words.size() < least || words.size() > most) bad(std::string("usage: ") + usage);
 }
 
-// The size to open the table at `path` with: the usual one, or that of a larger table already there.
-template <class Codec>
-U32 sizeFor(const std::string& path, U32 usual) {
-  try {
-    if (auto reader = Tarn::TableReader::open(path, Codec::type, Codec::keySize, sizeof(typename Codec::Record)))
-      return std::max(usual, reader->geometry().maxMembers);
-  } catch (const Tarn::CorruptionDetectedException&) {
-  }
-  return usual;
-}
-
 template <class Codec>
 std::unique_ptr<Tarn::RecordWriter<Codec>> writerOf(const std::string& path, U32 usual) {
-  return std::make_unique<Tarn::RecordWriter<Codec>>(path, sizeFor<Codec>(path, usual), lockWait);
+  return std::make_unique<Tarn::RecordWriter<Codec>>(path, std::max(usual, Tarn::presentMaxMembers<Codec>(path)), lockWait);
 }
 
 // The writers of one run, opened when first needed.
@@ -120,7 +104,7 @@ class Tables {
 
   std::string file(const std::string& mountPath, const char* table) const { return root_ + "/" + mountPath + "/" + table; }
   Tarn::RecordWriter<Tarn::Fib::RouteCodec>& routes() {
-    if (!routes_) routes_ = writerOf<Tarn::Fib::RouteCodec>(file(Tarn::Fib::routePathOf(vrf_), "route"), maxRoutes);
+    if (!routes_) routes_ = writerOf<Tarn::Fib::RouteCodec>(file(Tarn::Fib::routePathOf(vrf_), "route"), Tarn::usualRoutes);
     return *routes_;
   }
   Tarn::Fib::FecWriter& fecs() {
@@ -130,11 +114,11 @@ class Tables {
     return *fecs_;
   }
   Tarn::RecordWriter<Arp::Table::ArpCodec>& arp() {
-    if (!arp_) arp_ = writerOf<Arp::Table::ArpCodec>(file(Arp::Table::statusPath, "arpEntry"), maxArpEntries);
+    if (!arp_) arp_ = writerOf<Arp::Table::ArpCodec>(file(Arp::Table::statusPath, "arpEntry"), Tarn::usualArpEntries);
     return *arp_;
   }
   Tarn::RecordWriter<Vrf::VrfIdMap::VrfEntryCodec>& vrfIds() {
-    if (!vrfIds_) vrfIds_ = writerOf<Vrf::VrfIdMap::VrfEntryCodec>(file(Vrf::VrfIdMap::statusPath, "vrfEntry"), maxVrfIds);
+    if (!vrfIds_) vrfIds_ = writerOf<Vrf::VrfIdMap::VrfEntryCodec>(file(Vrf::VrfIdMap::statusPath, "vrfEntry"), Tarn::usualVrfIds);
     return *vrfIds_;
   }
 

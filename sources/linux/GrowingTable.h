@@ -5,21 +5,19 @@
 //
 // It opens at the size of the file already there, if larger than asked, so that a writer started
 // again takes its predecessor's file over instead of rebuilding it.
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "platform/quor/Trace.h"
-#include "platform/tarn/TableReader.h"
+#include "platform/tarn/TableSizes.h"
 #include "platform/tarn/TableWriter.h"
 
 namespace Sources::Linux {
 
 // Waits this long for a writer that is going away to let go of a file.
 inline constexpr double tableLockWait = 5.0;
-
-// The size of the table file at `path`, 0 when there is none of that type.
-U32 existingMaxMembers(const std::string& path, std::string_view type, U32 keySize, U32 recordSize);
 
 template <class Codec>
 class GrowingTable {
@@ -29,7 +27,7 @@ class GrowingTable {
   using Record = typename Codec::Record;
 
   GrowingTable(std::string path, U32 leastMembers) : path_(std::move(path)) {
-    U32 size = std::max(leastMembers, existingMaxMembers(path_, Codec::type, Codec::keySize, sizeof(Record)));
+    U32 size = std::max(leastMembers, Tarn::presentMaxMembers<Codec>(path_));
     writer_ = std::make_unique<Tarn::TableWriter>(path_, Codec::type, geometry(size), tableLockWait);
   }
 

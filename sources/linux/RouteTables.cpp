@@ -4,6 +4,7 @@
 
 #include "platform/quor/Exception.h"
 #include "platform/tarn/Mount.h"
+#include "platform/tarn/TableReader.h"
 
 namespace Sources::Linux {
 
@@ -36,8 +37,8 @@ RouteTables::RouteTables(const std::string& root, const L3::VrfName& vrf)
   } catch (const Tarn::CorruptionDetectedException&) {
     staleFecs_.clear();  // the writer builds a fresh file
   }
-  maxChunks_ = std::max(maxChunks_, existingMaxMembers(FecCodec::chunkFileOf(fecPath_), FecCodec::chunkType,
-                                                       FecCodec::chunkKeySize, sizeof(Tarn::Fib::FecChunkRecord)));
+  maxChunks_ = std::max(maxChunks_, Tarn::presentMaxMembers(FecCodec::chunkFileOf(fecPath_), FecCodec::chunkType,
+                                                             FecCodec::chunkKeySize, sizeof(Tarn::Fib::FecChunkRecord)));
   fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
   if (!staleFecs_.empty()) nextFecId_ = *staleFecs_.rbegin() + 1;
   routeTable_.forEach([this](const Tarn::Fib::Route& route) { routes_[route.prefix] = Published{route, std::nullopt}; });

@@ -11,17 +11,13 @@
 #include "platform/tarn/Mount.h"
 #include "platform/tarn/RouteStatus.h"
 #include "platform/tarn/TableReader.h"
+#include "platform/tarn/TableSizes.h"
 #include "platform/tarn/VrfIdMapStatus.h"
 
 namespace Sources {
 
 namespace {
 
-// The sizes that the command-line writer and the agents use, so that either takes the other's files
-// over instead of rebuilding them.
-constexpr U32 usualRoutes = 65536;
-constexpr U32 usualArpEntries = 16384;
-constexpr U32 usualVrfIds = 1024;
 // Room for the chunks of FECs being rewritten, which live beside the new ones for a moment.
 constexpr U32 chunkSlack = 8;
 
@@ -30,18 +26,9 @@ U32 sizeFor(U32 present, U64 needed, U32 usual) {
   return static_cast<U32>(std::max<U64>(usual, std::bit_ceil(needed)));
 }
 
-// The most members the file at `path` holds, 0 when there is no usable file.
-U32 presentSize(const std::string& path, const char* type, U32 keySize, U32 recordSize) {
-  try {
-    if (auto reader = Tarn::TableReader::open(path, type, keySize, recordSize)) return reader->geometry().maxMembers;
-  } catch (const Tarn::CorruptionDetectedException&) {
-  }
-  return 0;
-}
-
 template <class Codec>
 U32 sizeFor(const std::string& path, U64 needed, U32 usual) {
-  return sizeFor(presentSize(path, Codec::type, Codec::keySize, sizeof(typename Codec::Record)), needed, usual);
+  return sizeFor(Tarn::presentMaxMembers<Codec>(path), needed, usual);
 }
 
 template <class Run>
@@ -91,9 +78,9 @@ void syncFecs(const std::string& path, const FibScenario& fib, const FibIndex& i
   U64 chunks = chunkSlack;
   for (const FecRun& run : fib.fecs) chunks += U64(run.count) * chunksFor(static_cast<U32>(run.vias.size()));
   const std::string chunkPath = FecCodec::chunkFileOf(path);
-  FecWriter writer(path, sizeFor(presentSize(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord)), needed,
+  FecWriter writer(path, sizeFor(Tarn::presentMaxMembers(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord)), needed,
                                  FecWriter::defaultMaxFecs),
-                   sizeFor(presentSize(chunkPath, FecCodec::chunkType, FecCodec::chunkKeySize, sizeof(FecChunkRecord)),
+                   sizeFor(Tarn::presentMaxMembers(chunkPath, FecCodec::chunkType, FecCodec::chunkKeySize, sizeof(FecChunkRecord)),
                            chunks, FecWriter::defaultMaxChunks),
                    lockWait);
 
@@ -130,7 +117,7 @@ void syncFib(const std::string& root, const L3::VrfName& vrf, const FibScenario&
   const FibIndex index(fib);
   syncFecs(root + "/" + forwardingPathOf(vrf) + "/" + ForwardingStatus::attributeName, fib, index, lockWait, counts);
   syncRecords<RouteCodec>(
-      root + "/" + routePathOf(vrf) + "/" + RouteStatus::attributeName, entriesOf(fib.routes), usualRoutes, lockWait,
+      root + "/" + routePathOf(vrf) + "/" + RouteStatus::attributeName, entriesOf(fib.routes), Tarn::usualRoutes, lockWait,
       [&](const Pelt::Prefix& prefix) { return index.route(prefix).has_value(); },
       [&](auto put) {
         for (const RouteRun& run : fib.routes)
@@ -160,7 +147,7 @@ TableSyncCounts syncTables(const TablesScenario& tables, const std::string& root
   if (tables.vrfIds) {
     const auto& ids = *tables.vrfIds;
     syncRecords<Vrf::VrfIdMap::VrfEntryCodec>(
-        root + "/" + Vrf::VrfIdMap::statusPath + "/" + Vrf::VrfIdMap::Status::attributeName, ids.size(), usualVrfIds,
+        root + "/" + Vrf::VrfIdMap::statusPath + "/" + Vrf::VrfIdMap::Status::attributeName, ids.size(), Tarn::usualVrfIds,
         lockWait, [&](Vrf::VrfIdMap::VrfId id) { return ids.count(id) > 0; },
         [&](auto put) {
           for (const auto& [id, name] : ids) put(Vrf::VrfIdMap::VrfEntry(id, name));
@@ -181,7 +168,7 @@ TableSyncCounts syncTables(const TablesScenario& tables, const std::string& root
     const ArpIndex index(*tables.arp);
     syncRecords<Arp::Table::ArpCodec>(
         root + "/" + Arp::Table::statusPath + "/" + Arp::Table::Status::attributeName, entriesOf(*tables.arp),
-        usualArpEntries, lockWait, [&](const Arp::Table::ArpKey& key) { return index.entry(key).has_value(); },
+        Tarn::usualArpEntries, lockWait, [&](const Arp::Table::ArpKey& key) { return index.entry(key).has_value(); },
         [&](auto put) {
           for (const ArpRun& run : *tables.arp)
             for (U64 i = 0; i < run.count; ++i) put(arpEntryOf(run, i));
