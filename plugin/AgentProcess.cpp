@@ -10,7 +10,6 @@
 #include "platform/quor/Trace.h"
 #include "platform/snmp/AgentLoop.h"
 #include "platform/snmp/ContextTeardown.h"
-#include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 #include "platform/snmp/TraceToSnmpLog.h"
 #include "plugin/AgentContexts.h"
@@ -90,7 +89,7 @@ bool start() {
     // The containers exist before any registration takes its pointer; the VRF lifecycle opens the
     // other contexts as their VRFs come up, from here on.
     agent->machines = std::make_unique<AgentStartup>(agent->root, agent->store, &agent->contexts);
-    Snmp::registerAllInContext("");
+    agent->contexts.defaultContextIs();
   } catch (const std::exception& e) {
     snmp_log(LOG_ERR, "ipsnmp: start failed: %s\n", e.what());
     stop();
