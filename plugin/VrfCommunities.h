@@ -26,13 +26,14 @@ class VrfCommunities {
  public:
   // Registers the line with the application that is reading its configuration. One at a time.
   VrfCommunities();
-  ~VrfCommunities();
-  VrfCommunities(const VrfCommunities&) = delete;
-  VrfCommunities& operator=(const VrfCommunities&) = delete;
-
   // The context of a VRF opens, or closes: its communities come, or go.
   void contextIs(const std::string& context);
   void contextDel(const std::string& context);
+  // Takes every entry back and the line away.
+  ~VrfCommunities();
+
+  VrfCommunities(const VrfCommunities&) = delete;
+  VrfCommunities& operator=(const VrfCommunities&) = delete;
 
  private:
   struct Community {

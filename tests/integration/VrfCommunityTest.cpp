@@ -10,8 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "AgentUnderTest.h"
-#include "Eventually.h"
+#include "AgentTest.h"
 
 namespace IntegrationTest {
 namespace {
@@ -28,15 +27,13 @@ std::string scenario(bool withGreen) {
   return text;
 }
 
-class VrfCommunityTest : public ::testing::TestWithParam<AgentMode> {
+class VrfCommunityTest : public AgentModesTest {
  protected:
   void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+    AgentModesTest::SetUp();
+    if (IsSkipped()) return;
     agent = std::make_unique<AgentUnderTest>(scenario(false), "", GetParam());
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
-  }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
   }
   // The community reaches a context: ipForwarding answers. A community that maps to nothing gets no
   // answer at all, so the probe gives up soon.
@@ -48,8 +45,6 @@ class VrfCommunityTest : public ::testing::TestWithParam<AgentMode> {
   static long long millisecondsSince(std::chrono::steady_clock::time_point since) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - since).count();
   }
-
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 TEST_P(VrfCommunityTest, CommunityOfEachVrfComesAndGoesWithTheVrf) {
@@ -77,10 +72,7 @@ TEST_P(VrfCommunityTest, CommunityOfEachVrfComesAndGoesWithTheVrf) {
   EXPECT_TRUE(agent->running());
 }
 
-INSTANTIATE_TEST_SUITE_P(BothModes, VrfCommunityTest, ::testing::Values(AgentMode::plugin, AgentMode::subagent),
-                         [](const ::testing::TestParamInfo<AgentMode>& mode) {
-                           return mode.param == AgentMode::plugin ? "Plugin" : "Subagent";
-                         });
+BOTH_AGENT_MODES(VrfCommunityTest);
 
 }  // namespace
 }  // namespace IntegrationTest
