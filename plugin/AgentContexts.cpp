@@ -27,11 +27,13 @@ void AgentContexts::defaultContextIs() {
 
 void AgentContexts::contextIs(const Quor::Name& vrf) {
   for (const Unit& unit : units) unit.init(vrf);
+  if (communities_) communities_->contextIs(vrf.str());
 }
 
 void AgentContexts::contextDel(const Quor::Name& vrf) {
-  for (const Unit& unit : units) unit.unregister(vrf);
   const std::string context = vrf.str();
+  if (communities_) communities_->contextDel(context);
+  for (const Unit& unit : units) unit.unregister(vrf);
   shutdown_tree_in_context(context.c_str());
   clear_cache_in_context(context.c_str());
 }
