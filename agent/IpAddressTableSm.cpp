@@ -79,7 +79,7 @@ IpMib* IpAddressTableSm::ipMibOf(const L3::VrfName& vrf) const {
 
 template <class R>
 Quor::ValidPtr<R> IpAddressTableSm::reactorIs(Reactors<R>& reactors, const Quor::Ptr<const typename R::Entity>& entity) {
-  if (!entity) Quor::throwRangeException(R::Side::nullReactorText);
+  if (!entity) Quor::throwRangeException(AddressSide::nullEntityText(R::Side::member));
   Quor::Ptr<R> reactor = reactors.member(entity->intfId());
   if (reactor) {
     reactor->notifierIs(entity);
@@ -225,6 +225,15 @@ void IpAddressTableSm::quorZombieNested(bool flag) {
   for (auto it = ipIntfStatus_.begin(); it; ++it) it->quorDoZombieReactors(flag);
   for (auto it = ip6IntfConfig_.begin(); it; ++it) it->quorDoZombieReactors(flag);
   for (auto it = ip6IntfStatus_.begin(); it; ++it) it->quorDoZombieReactors(flag);
+}
+
+std::string AddressSide::handlerSignature(const char* reactor, const char* handler) {
+  return std::string("void IpSnmp::IpAddressTableSm::") + reactor + "::" + handler;
+}
+
+std::string AddressSide::nullEntityText(const char* member) {
+  return std::string("null _") + member + " parameter to mutator for IpSnmp::IpAddressTableSm::" + member +
+         " not allowed\"";
 }
 
 }  // namespace IpSnmp

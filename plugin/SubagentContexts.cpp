@@ -2,8 +2,6 @@
 
 #include "platform/snmp/NetSnmp.h"
 
-#include <net-snmp/agent/agent_callbacks.h>
-
 namespace {
 
 // The contexts other than the default one in which a subtree belongs to a session (AgentX
