@@ -13,14 +13,8 @@ namespace Brem {
 
 class Exception : public Quor::Exception {
  public:
-  // `logged` says that the raiser has traced the failure already, so a catcher need not.
-  Exception(std::string text, bool logged) : Quor::Exception(std::move(text)), logged_(logged) {}
-  explicit Exception(std::string text) : Exception(std::move(text), false) {}
-  bool logged() const noexcept { return logged_; }
+  using Quor::Exception::Exception;
   const char* name() const override { return "Brem::Exception"; }
-
- private:
-  bool logged_;
 };
 
 class UnimplementedException : public Exception {

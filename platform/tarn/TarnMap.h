@@ -133,14 +133,10 @@ class TarnMap {
 
   void corruptionDetected(const std::string& message) const {
     traceCorruption(name(), message);
-    if (!toleratesCorruption_) throw CorruptionDetectedException(message, true);
     traceDetach(name());
     if (backend_) backend_->detach(true);
     Util::writeCorruptionFile(name(), message);
   }
-  bool toleratesCorruption() const noexcept { return toleratesCorruption_; }
-  // A policy of this reader, not a change of the table, hence settable through a const view.
-  void toleratesCorruptionIs(bool tolerates) const noexcept { toleratesCorruption_ = tolerates; }
 
   // Wiring, for the entity that holds the view and for its backend.
   void backendIs(std::unique_ptr<Backend> backend) {
@@ -169,7 +165,6 @@ class TarnMap {
   std::function<void(const K&)> changed_;
   mutable std::function<TableFollower*()> predecessor_;
   mutable bool detached_ = false;
-  mutable bool toleratesCorruption_ = true;
 };
 
 }  // namespace Tarn

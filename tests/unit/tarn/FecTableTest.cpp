@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <map>
 #include <set>
 
 #include "platform/tarn/FecWriter.h"
@@ -36,70 +37,44 @@ long writeOf(const Fec& fec) {
   return write;
 }
 
-class Heard : public Tarn::Fib::ForwardingStatus::NotifieeConst {
- public:
-  void onFec(const FecId& id) override { fecs.insert(id.value()); }
-  std::set<U64> fecs;
-};
-
 class FecTable : public TarnTest::TableDir {
  protected:
   void SetUp() override {
-    TableDir::SetUp();
     ::setenv("TARN_CORRUPTION_DIR", (dir_ / "corruption").c_str(), 1);
     status_ = Quor::makePtr<Tarn::Fib::ForwardingStatus>(Quor::Name("forwarding/status"));
   }
   void TearDown() override {
     status_ = nullptr;
     ::unsetenv("TARN_CORRUPTION_DIR");
-    TableDir::TearDown();
   }
-  void mount() { status_->mount(dir_.string(), Tarn::TableType::sharedMemory); }
+  void mount() { status_->mount(dir_.path(), Tarn::TableType::sharedMemory); }
   Fec read(U64 id) { return status_->fec().lookup(FecId(id)).value(); }
 
   Quor::Ptr<Tarn::Fib::ForwardingStatus> status_;
 };
 
-TEST_F(FecTable, AFecOfFourViasIsOneRecordWithoutChunks) {
+TEST_F(FecTable, FecsOfUpToFourViasTakeNoChunkAndLargerOnesReadBackWhole) {
   Tarn::Fib::FecWriter writer(path("fec"));
-  writer.put(fecOfWrite(7, 1, 4));
-  writer.commit();
+  const std::map<U64, Fec> written{{6, fecOfWrite(6, 3, 4)}, {7, fecOfWrite(7, 1, 128)}, {8, fecOfWrite(8, 2, 5)}};
+  writer.put(written.at(6));
   EXPECT_EQ(writer.chunks(), 0u);
-  mount();
-  EXPECT_EQ(read(7), fecOfWrite(7, 1, 4));
-  EXPECT_EQ(read(8), Fec());
-  EXPECT_FALSE(status_->fec().lookup(FecId(8)).found());
-}
-
-TEST_F(FecTable, AFecOf128ViasTakesEightChunksAndReadsBackWhole) {
-  Tarn::Fib::FecWriter writer(path("fec"));
-  writer.put(fecOfWrite(7, 1, 128));
-  writer.put(fecOfWrite(8, 2, 5));
+  writer.put(written.at(7));
+  writer.put(written.at(8));
   writer.commit();
   EXPECT_EQ(writer.chunks(), 9u);
   mount();
-  Fec fec = read(7);
-  EXPECT_EQ(fec, fecOfWrite(7, 1, 128));
-  EXPECT_EQ(fec.via(Tarn::Fib::ViaIndex(127)).hop, Pelt::IpAddr(10, 0, 1, 127));
-  EXPECT_EQ(read(8), fecOfWrite(8, 2, 5));
-  std::set<U64> walked;
+  EXPECT_EQ(read(9), Fec());
+  std::map<U64, Fec> walked;
   Tarn::TarnMapIterator it;
-  for (auto entry = status_->fec().first(it); entry; entry = status_->fec().next(entry.key(), it)) {
-    EXPECT_EQ(writeOf(entry.value()), long(entry.key().value()) - 6);
-    walked.insert(entry.key().value());
-  }
-  EXPECT_EQ(walked, (std::set<U64>{7, 8}));
+  for (auto entry = status_->fec().first(it); entry; entry = status_->fec().next(entry.key(), it))
+    walked[entry.key().value()] = entry.value();
+  EXPECT_EQ(walked, written);
 }
 
-TEST_F(FecTable, MoreThan128ViasAreRefusedAndChangeNothing) {
+TEST_F(FecTable, MoreThan128ViasOrALongInterfaceNameAreRefusedAndChangeNothing) {
   Tarn::Fib::FecWriter writer(path("fec"));
   Fec fec = fecOfWrite(7, 1, 128);
-  try {
-    fec.viaAdd({});
-    FAIL() << "a 129th via was taken";
-  } catch (const Quor::RangeException& e) {
-    EXPECT_EQ(e.text(), "ViaIndex::value < ViaIndex::min or > ViaIndex::max not allowed");
-  }
+  EXPECT_THROW(fec.viaAdd({}), Quor::RangeException);
   fec.viaCount = 129;
   EXPECT_THROW(writer.put(fec), Quor::RangeException);
   Fec longName = fecOfWrite(9, 1, 6);
@@ -107,7 +82,6 @@ TEST_F(FecTable, MoreThan128ViasAreRefusedAndChangeNothing) {
   EXPECT_THROW(writer.put(longName), Quor::RangeException);
   EXPECT_EQ(writer.members(), 0u);
   EXPECT_EQ(writer.chunks(), 0u);
-  EXPECT_THROW(Tarn::Fib::ViaIndex(128), Quor::RangeException);
 }
 
 TEST_F(FecTable, ChunksOfReplacedAndDeletedFecsAreReused) {
@@ -164,31 +138,11 @@ TEST_F(FecTable, AFecWhoseChunkIsMissingIsCorruptAndTheViewDetaches) {
   }
   mount();
   const auto& view = status_->fec();
-  try {
-    view.lookup(FecId(7));
-    FAIL() << "a FEC without its chunk was read";
-  } catch (const Tarn::CorruptionDetectedException& e) {
-    EXPECT_NE(e.text().find("other parts are missing"), std::string::npos) << e.text();
-    view.corruptionDetected(e.text());
-  }
+  const std::string failure = TestSupport::failureOf([&] { view.lookup(FecId(7)); });
+  EXPECT_NE(failure.find("other parts are missing"), std::string::npos) << failure;
+  view.corruptionDetected(failure);
   EXPECT_EQ(view.mountStatus(), Tarn::MountStatus::awaitingFile);
   EXPECT_EQ(read(7), Fec());
-}
-
-TEST_F(FecTable, ChangedFecsReachTheReactorsByIdThroughTheEventLoop) {
-  Tarn::Fib::FecWriter writer(path("fec"));
-  writer.put(fecOfWrite(7, 1, 2));
-  writer.put(fecOfWrite(8, 1, 60));
-  writer.commit();
-  mount();
-  auto heard = Quor::makePtr<Heard>();
-  heard->notifierIs(status_);
-  writer.put(fecOfWrite(8, 2, 60));  // chunks only change, and the record with them
-  writer.erase(FecId(7));
-  writer.commit();
-  EXPECT_TRUE(TarnTest::turnUntil([&] { return heard->fecs == std::set<U64>{7, 8}; }));
-  EXPECT_EQ(writeOf(read(8)), 2);
-  EXPECT_FALSE(status_->fec().lookup(FecId(7)).found());
 }
 
 TEST_F(FecTable, ReadersNeverCombineTwoWritesOfAFecWhileAnotherProcessRewritesIt) {

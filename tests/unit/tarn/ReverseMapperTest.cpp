@@ -1,5 +1,7 @@
 // The reverse mapper: the name-to-id map stays the inverse of the VRF-id table through additions,
-// renames, removals, late arrivals and a change of table, and its reactors read the new state.
+// renames, removals, names that move between ids and a change of table, and its reactors read the
+// new state when they are told.
+#include <map>
 #include <vector>
 
 #include "platform/tarn/ReverseMapper.h"
@@ -20,18 +22,28 @@ class MapReader : public NameToIdMap::NotifieeConst {
   std::vector<std::string> seen;
 };
 
+Quor::Ptr<Vrf::VrfIdMap::Status> table() {
+  auto status = Quor::makePtr<Vrf::VrfIdMap::Status>(Quor::Name("vrf/idmap"));
+  status->mount("", Tarn::TableType::inProcess);
+  return status;
+}
+
+// A write of the VRF-id table: `name` for `id`, or the removal of `id` when `name` is null.
+struct Write {
+  U32 id;
+  const char* name;
+};
+
+void writeTable(const Quor::Ptr<Vrf::VrfIdMap::Status>& t, const std::vector<Write>& writes) {
+  for (const Write& w : writes) {
+    if (w.name) Tarn::inProcessTable(t->vrfEntry()).put(VrfId(w.id), VrfEntry(VrfId(w.id), w.name));
+    else Tarn::inProcessTable(t->vrfEntry()).erase(VrfId(w.id));
+  }
+}
+
 class ReverseMapping : public ::testing::Test {
  protected:
-  static Quor::Ptr<Vrf::VrfIdMap::Status> table() {
-    auto status = Quor::makePtr<Vrf::VrfIdMap::Status>(Quor::Name("vrf/idmap"));
-    status->mount("", Tarn::TableType::inProcess);
-    return status;
-  }
-  static void put(const Quor::Ptr<Vrf::VrfIdMap::Status>& t, U32 id, const char* name) {
-    Tarn::inProcessTable(t->vrfEntry()).put(VrfId(id), VrfEntry(VrfId(id), name));
-  }
-  static void erase(const Quor::Ptr<Vrf::VrfIdMap::Status>& t, U32 id) { Tarn::inProcessTable(t->vrfEntry()).erase(VrfId(id)); }
-  S32 idOf(const char* name) const { return S32(map_->vrfNameToId(Quor::String8(name)).value()); }
+  S32 idOf(const std::string& name) const { return S32(map_->vrfNameToId(Quor::String8(name)).value()); }
   void follow() {
     mapper_ = Quor::makePtr<Vrf::VrfIdMap::ReverseMapper>(status_, map_);
     reader_->notifierIs(map_);
@@ -43,86 +55,63 @@ class ReverseMapping : public ::testing::Test {
   Quor::Ptr<Vrf::VrfIdMap::ReverseMapper> mapper_;
 };
 
-TEST_F(ReverseMapping, TheMapStartsAsTheInverseOfTheTable) {
-  put(status_, 0, "default");
-  put(status_, 7, "red");
-  follow();
-  EXPECT_EQ(idOf("default"), 0);
-  EXPECT_EQ(idOf("red"), 7);
-  EXPECT_EQ(idOf("blue"), -1);
-  EXPECT_EQ(map_->vrfNameToIds().members(), 2u);
+struct History {
+  const char* what;
+  std::vector<Write> before;  // the table when the mapper starts
+  std::vector<Write> after;
+  std::map<std::string, S32> ids;  // -1: no id
+  std::vector<std::string> told;
+};
+
+const History histories[] = {
+    {"the inverse at the start", {{0, "default"}, {7, "red"}}, {}, {{"default", 0}, {"red", 7}, {"blue", -1}}, {}},
+    {"an id that arrives later", {}, {{9, "blue"}}, {{"blue", 9}}, {"blue=9"}},
+    {"a renamed id leaves its old name first", {{7, "red"}}, {{7, "green"}}, {{"red", -1}, {"green", 7}},
+     {"red=-1", "green=7"}},
+    {"a removed id", {{7, "red"}}, {{7, nullptr}}, {{"red", -1}}, {"red=-1"}},
+    {"a name moved to a new id keeps it when the old goes", {{7, "red"}}, {{8, "red"}, {7, nullptr}}, {{"red", 8}},
+     {"red=8"}},
+    {"the older id comes back when the newer of two goes", {{7, "red"}, {8, "red"}}, {{8, "blue"}},
+     {{"red", 7}, {"blue", 8}}, {"red=7", "blue=8"}},
+};
+
+TEST_F(ReverseMapping, TheMapIsTheInverseOfTheTableAfterEachHistory) {
+  for (const History& h : histories) {
+    SCOPED_TRACE(h.what);
+    status_ = table();
+    map_ = Quor::makePtr<NameToIdMap>(Quor::Name("arpTarnVrfNameToIdMap"));
+    reader_ = Quor::makePtr<MapReader>();
+    writeTable(status_, h.before);
+    follow();
+    writeTable(status_, h.after);
+    std::size_t named = 0;
+    for (const auto& [name, id] : h.ids) {
+      EXPECT_EQ(idOf(name), id) << name;
+      named += id >= 0;
+    }
+    EXPECT_EQ(map_->vrfNameToIds().members(), named);
+    EXPECT_EQ(reader_->seen, h.told);
+  }
 }
 
-TEST_F(ReverseMapping, AnIdThatArrivesAfterTheMapperIsAddedAndTheReactorReadsIt) {
-  follow();
-  put(status_, 9, "blue");
-  EXPECT_EQ(reader_->seen, std::vector<std::string>{"blue=9"});
-}
-
-TEST_F(ReverseMapping, ARenamedIdLeavesItsOldNameBeforeItTakesTheNew) {
-  put(status_, 7, "red");
-  follow();
-  put(status_, 7, "green");
-  EXPECT_EQ(reader_->seen, (std::vector<std::string>{"red=-1", "green=7"}));
-  EXPECT_EQ(idOf("red"), -1);
-  EXPECT_EQ(map_->vrfNameToIds().members(), 1u);
-}
-
-TEST_F(ReverseMapping, ARemovedIdTakesItsNameOutOfTheMap) {
-  put(status_, 7, "red");
-  follow();
-  erase(status_, 7);
-  EXPECT_EQ(reader_->seen, std::vector<std::string>{"red=-1"});
-  EXPECT_TRUE(map_->vrfNameToIds().empty());
-}
-
-TEST_F(ReverseMapping, ANameMovedToANewIdKeepsTheNewOneWhenTheOldGoes) {
-  put(status_, 7, "red");
-  follow();
-  put(status_, 8, "red");  // the writer adds the new number first
-  EXPECT_EQ(idOf("red"), 8);
-  erase(status_, 7);
-  EXPECT_EQ(idOf("red"), 8);
-  EXPECT_EQ(reader_->seen, std::vector<std::string>{"red=8"});  // the old number's removal changed nothing
-  erase(status_, 8);
-  EXPECT_EQ(idOf("red"), -1);
-}
-
-TEST_F(ReverseMapping, TheOlderIdComesBackWhenTheNewerOfTwoGoes) {
-  put(status_, 7, "red");
-  put(status_, 8, "red");
-  follow();
-  put(status_, 8, "blue");
-  EXPECT_EQ(idOf("red"), 7);
-  EXPECT_EQ(idOf("blue"), 8);
-}
-
-TEST_F(ReverseMapping, AnotherTableReplacesTheMapWithItsInverse) {
-  put(status_, 7, "red");
-  put(status_, 8, "blue");
+TEST_F(ReverseMapping, AnotherTableReplacesTheMapAndAnUnmountEmptiesIt) {
+  writeTable(status_, {{7, "red"}, {8, "blue"}});
   follow();
   auto other = table();
-  put(other, 8, "blue");
-  put(other, 9, "red");
+  writeTable(other, {{8, "blue"}, {9, "red"}});
   mapper_->newStatus(other);
   EXPECT_EQ(idOf("red"), 9);
   EXPECT_EQ(idOf("blue"), 8);
-  put(status_, 10, "green");  // the old table is no longer followed
-  EXPECT_EQ(idOf("green"), -1);
-}
-
-TEST_F(ReverseMapping, AnUnmountedTableEmptiesTheMap) {
-  put(status_, 7, "red");
-  follow();
-  status_->unmount();
+  writeTable(status_, {{10, "green"}});
+  EXPECT_EQ(idOf("green"), -1) << "the old table is no longer followed";
+  other->unmount();
   EXPECT_TRUE(map_->vrfNameToIds().empty());
-  EXPECT_EQ(reader_->seen, std::vector<std::string>{"red=-1"});
 }
 
 TEST_F(ReverseMapping, ADroppedMapperStopsFollowing) {
   follow();
   mapper_ = nullptr;
-  put(status_, 7, "red");
+  writeTable(status_, {{7, "red"}});
   EXPECT_EQ(idOf("red"), -1);
 }
 

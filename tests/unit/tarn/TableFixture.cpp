@@ -2,15 +2,62 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-
 #include <unistd.h>
 
-#include <chrono>
 #include <cstring>
 
-#include "platform/quor/Clock.h"
-
 namespace TarnTest {
+
+CheckedRecord CheckedRecord::make(U64 key, U64 version) {
+  CheckedRecord r;
+  r.key = key;
+  r.version = version;
+  r.check = Tarn::hashBytes(&r, 16);
+  for (U64& s : r.spread) s = r.check ^ key;
+  return r;
+}
+
+bool CheckedRecord::whole() const {
+  const CheckedRecord expected = make(key, version);
+  return check == expected.check && spread[0] == expected.spread[0] && spread[2] == expected.spread[2];
+}
+
+std::map<U64, U64> contentOf(const Tarn::TableReader& table) {
+  std::map<U64, U64> seen;
+  CheckedRecord out;
+  for (U32 slot = table.nextOccupied(0, &out); slot < table.capacity(); slot = table.nextOccupied(slot + 1, &out)) {
+    EXPECT_TRUE(out.whole()) << "key " << out.key << " torn";
+    EXPECT_TRUE(seen.emplace(out.key, out.version).second) << "key " << out.key << " walked twice";
+  }
+  return seen;
+}
+
+std::string differences(const std::map<U64, U64>& a, const std::map<U64, U64>& b) {
+  auto text = [](const std::map<U64, U64>& m, U64 k) {
+    auto it = m.find(k);
+    return it == m.end() ? std::string("-") : std::to_string(it->second);
+  };
+  std::string out;
+  int shown = 0;
+  for (const auto* side : {&a, &b})
+    for (const auto& [k, v] : *side)
+      if (text(a, k) != text(b, k) && (side == &a || !a.count(k)) && shown++ < 5)
+        out += std::to_string(k) + ": " + text(a, k) + "/" + text(b, k) + " ";
+  return out;
+}
+
+std::unique_ptr<Tarn::TableWriter> TableDir::writer(U32 maxMembers, bool fresh, double lockWait) const {
+  return std::make_unique<Tarn::TableWriter>(path(), checkedType, checkedGeometry(maxMembers), lockWait, fresh);
+}
+
+std::unique_ptr<Tarn::TableReader> TableDir::reader() const {
+  return Tarn::TableReader::open(path(), checkedType, sizeof(U64), sizeof(CheckedRecord));
+}
+
+void TableDir::put(Tarn::TableWriter& w, U64 key, U64 version) {
+  const CheckedRecord r = CheckedRecord::make(key, version);
+  w.put(&r);
+}
 
 RawTable::RawTable(const std::string& path) : path_(path), fd_(::open(path.c_str(), O_RDWR)) {
   struct stat st;
@@ -31,28 +78,14 @@ U32 RawTable::slotOf(U64 key) {
   return 0;
 }
 
-}  // namespace TarnTest
-
-namespace TarnTest {
-
 void RawTable::announce(U32 slot) {
   Tarn::FileHeader& h = header();
-  U64 head = h.logHead.load();
+  const U64 head = h.logHead.load();
   memory_.logEntry(head, geometry_.logCapacity).store(Tarn::TableMemory::logEntryValue(head, slot));
   h.logHead.store(head + 1);
-  U64 ring = h.doorbell + 1;
+  const U64 ring = h.doorbell + 1;
   if (::pwrite(fd_.get(), &ring, sizeof ring, offsetof(Tarn::FileHeader, doorbell)) != sizeof ring)
     Tarn::throwSystemError("pwrite", path_);
-}
-
-}  // namespace TarnTest
-
-namespace TarnTest {
-
-bool turnUntil(const std::function<bool()>& done) {
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (!done() && std::chrono::steady_clock::now() < deadline) Quor::activityManager()->runOnce(0.05);
-  return done();
 }
 
 }  // namespace TarnTest

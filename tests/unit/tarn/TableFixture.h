@@ -2,14 +2,16 @@
 // What the table tests share: a private directory in /dev/shm, a record whose fields check each
 // other (so a torn read cannot pass for a whole one), and raw access to a file for damaging it.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <functional>
+#include <map>
+#include <memory>
 #include <string>
 
 #include "platform/tarn/MappedFile.h"
 #include "platform/tarn/TableFormat.h"
+#include "platform/tarn/TableReader.h"
+#include "platform/tarn/TableWriter.h"
+#include "tests/support/TestSupport.h"
 
 namespace TarnTest {
 
@@ -20,18 +22,8 @@ struct CheckedRecord {
   U64 check = 0;
   U64 spread[3] = {};
 
-  static CheckedRecord make(U64 key, U64 version) {
-    CheckedRecord r;
-    r.key = key;
-    r.version = version;
-    r.check = Tarn::hashBytes(&r, 16);
-    for (U64& s : r.spread) s = r.check ^ key;
-    return r;
-  }
-  bool whole() const {
-    CheckedRecord expected = make(key, version);
-    return check == expected.check && spread[0] == expected.spread[0] && spread[2] == expected.spread[2];
-  }
+  static CheckedRecord make(U64 key, U64 version);
+  bool whole() const;
 };
 
 inline constexpr const char* checkedType = "TarnTest::CheckedRecord";
@@ -40,23 +32,22 @@ inline Tarn::TableGeometry checkedGeometry(U32 maxMembers) {
   return Tarn::TableGeometry::forRecords(sizeof(U64), sizeof(CheckedRecord), maxMembers);
 }
 
-// A directory of its own per test, removed afterwards.
+// What a walk of every occupied slot of `table` finds, key to version; a torn record or a key walked
+// twice fails the test.
+std::map<U64, U64> contentOf(const Tarn::TableReader& table);
+// The first few keys on which two contents disagree, as "key: a/b" ("-" for absent); empty if none.
+std::string differences(const std::map<U64, U64>& a, const std::map<U64, U64>& b);
+
+// A test with a directory of its own and a table of checked records, "table", in it.
 class TableDir : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = std::filesystem::path("/dev/shm") /
-           ("tarn-test-" + std::to_string(::getpid()) + "-" + info->test_suite_name() + "-" + info->name());
-    std::filesystem::remove_all(dir_);
-  }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
-  std::string path(const std::string& name = "table") const { return (dir_ / name).string(); }
+  std::string path(const std::string& name = "table") const { return dir_ / name; }
+  std::unique_ptr<Tarn::TableWriter> writer(U32 maxMembers = 1000, bool fresh = false, double lockWait = 0) const;
+  std::unique_ptr<Tarn::TableReader> reader() const;
+  static void put(Tarn::TableWriter& w, U64 key, U64 version);
 
-  std::filesystem::path dir_;
+  TestSupport::TempDir dir_{"/dev/shm"};
 };
-
-// Runs the event loop until `done` holds or 5 seconds have passed; whether it holds.
-bool turnUntil(const std::function<bool()>& done);
 
 // A writable mapping of a table file, for damaging it as a broken writer would.
 class RawTable {
@@ -64,8 +55,9 @@ class RawTable {
   explicit RawTable(const std::string& path);
   Tarn::FileHeader& header() { return memory_.header(); }
   Tarn::TableMemory& memory() { return memory_; }
-  // The slot that holds `key` now.
+  // The slot that holds `key` now, and its current record.
   U32 slotOf(U64 key);
+  std::byte* recordOf(U64 key) { return Tarn::TableMemory::record(memory_.current(slotOf(key))); }
   // Names `slot` in the change log and wakes the readers, as a writer does after a write.
   void announce(U32 slot);
 
