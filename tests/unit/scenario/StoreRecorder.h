@@ -1,22 +1,17 @@
 #pragma once
 // Test helper: follows the collections and switches of a store and writes one line per
 // notification, such as "vrfConfig red" or "ipIntfConfig Ethernet1", in the order they come.
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "platform/morvane/Store.h"
+#include "tests/support/TestSupport.h"
 
 namespace ScenarioTest {
 
 using Lines = std::vector<std::string>;
 
-template <class T>
-std::string text(const T& value) {
-  std::ostringstream out;
-  out << std::boolalpha << value;
-  return out.str();
-}
+using TestSupport::text;
 
 class StoreRecorder {
  public:

@@ -1,10 +1,8 @@
 #include "TableFiles.h"
 
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
 
 #include "platform/tarn/Mount.h"
 #include "platform/tarn/RecordWriter.h"
@@ -32,13 +30,6 @@ std::map<typename Codec::Key, typename Codec::Value> readTable(const std::string
 }
 
 }  // namespace
-
-TempDir::TempDir() {
-  char pattern[] = "/tmp/scenario-tables-XXXXXX";
-  path_ = ::mkdtemp(pattern);
-}
-
-TempDir::~TempDir() { std::filesystem::remove_all(path_); }
 
 VrfIdTableHolder::VrfIdTableHolder(const std::string& root) {
   int ready[2], release[2];

@@ -1,5 +1,5 @@
 #pragma once
-// Test helpers: a temporary directory, and the shared-memory tables under a root read back whole.
+// Test helpers: the shared-memory tables under a root read back whole, and another writer.
 #include <map>
 #include <string>
 
@@ -7,20 +7,9 @@
 #include "platform/tarn/FibFec.h"
 #include "platform/tarn/FibRoute.h"
 #include "platform/tarn/VrfEntry.h"
+#include "tests/support/TestSupport.h"
 
 namespace ScenarioTest {
-
-class TempDir {
- public:
-  TempDir();
-  ~TempDir();
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-  const std::string& path() const noexcept { return path_; }
-
- private:
-  std::string path_;
-};
 
 // Another process that holds the writer of the VRF-id table under `root` (with its usual size)
 // until this object goes, as a writing agent would.
