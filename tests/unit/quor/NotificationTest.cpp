@@ -1,5 +1,5 @@
 // Synchronous notification with snapshot iteration, exception isolation, replay on attach and the
-// zombie protocol.
+// zombie protocol: what Entity::notify guarantees every reactor of the machines.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -89,18 +89,6 @@ TEST(Notification, AttachingReplaysOnceAndTheSameNotifierAgainDoesNothing) {
   EXPECT_EQ(log.lines, (std::vector<std::string>{"a:replay"}));
 }
 
-TEST(Notification, ANullNotifierLeavesTheReactorAliveAndSilent) {
-  Log log;
-  auto c = counter();
-  auto a = Quor::makePtr<Watcher>(log, "a");
-  a->notifierIs(c);
-  a->notifierIs(nullptr);
-  log.lines.clear();
-  c->valueIs(5);
-  EXPECT_TRUE(log.lines.empty());
-  EXPECT_FALSE(c->hasNotifiees());
-}
-
 TEST(ZombieReactors, HandleDelRunsOnceAndTheZombieIgnoresNotifications) {
   Log log;
   auto c = counter();
@@ -112,34 +100,6 @@ TEST(ZombieReactors, HandleDelRunsOnceAndTheZombieIgnoresNotifications) {
   c->valueIs(2);
   EXPECT_EQ(log.lines, (std::vector<std::string>{"a:del"}));
   EXPECT_TRUE(a->quorMarkedForDeletion());
-}
-
-TEST(ZombieReactors, FlagPassesToNestedReactorsAfterTheOwnersHandleDel) {
-  Log log;
-  struct Owner : Watcher {
-    using Watcher::Watcher;
-    Quor::Ptr<Watcher> nested;
-    void quorZombieNested(bool flag) override { nested->quorDoZombieReactors(flag); }
-  };
-  auto owner = Quor::makePtr<Owner>(log, "owner");
-  owner->nested = Quor::makePtr<Watcher>(log, "nested");
-  owner->quorDoZombieReactors(true);
-  EXPECT_EQ(log.lines, (std::vector<std::string>{"owner:del", "nested:del"}));
-  EXPECT_TRUE(owner->nested->quorMarkedForDeletion());
-}
-
-TEST(Entities, PathsResolveThroughDirectoriesAndAttributes) {
-  auto root = Quor::makePtr<Quor::Dir>(Quor::Name("root"));
-  auto store = Quor::makePtr<Quor::Dir>(Quor::Name("Morvane"));
-  auto routing = Quor::makePtr<Quor::Dir>(Quor::Name("routing"));
-  auto config = counter();
-  root->entityPtrIs(store);
-  store->entityPtrIs(routing);
-  routing->entityPtrIs(config);
-  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing/c"), config);
-  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing/missing"), nullptr);
-  EXPECT_EQ(Quor::entityAtPath(root, "Morvane/routing.vrf/c"), nullptr) << "a Dir has no attribute vrf";
-  EXPECT_EQ(config->fullName(), "/root/Morvane/routing/c");
 }
 
 }  // namespace
