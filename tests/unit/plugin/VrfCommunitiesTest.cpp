@@ -1,8 +1,8 @@
 // SNMPv2c communities that follow the VRFs, in the test process's agent library: a line names a
 // community, and each open context gets COMMUNITY@<context>, mapped by copies of the community's
 // com2sec lines of the default context (sources, negations and security names); the entries go with
-// their context; a refused line says why and changes nothing; when the configuration is read again,
-// the open contexts' entries come back.
+// their context; a refused line says why and changes nothing. (snmpd's reload of its configuration
+// bringing the entries back is the integration tests'.)
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -17,6 +17,7 @@
 
 #include "platform/snmp/NetSnmp.h"
 #include "plugin/VrfCommunities.h"
+#include "tests/support/TestSupport.h"
 
 namespace {
 
@@ -63,17 +64,14 @@ class LoggedErrors {
 class VrfCommunitiesTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir = std::filesystem::temp_directory_path() / ("ipsnmp-communities-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
     // The agent's configuration is this one file: no other file of the configuration path counts.
-    ::setenv("SNMPCONFPATH", dir.c_str(), 1);
+    ::setenv("SNMPCONFPATH", dir.path().c_str(), 1);
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, (dir / "agent.conf").c_str());
   }
   void TearDown() override {
     free_config();  // the com2sec list among the rest
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, nullptr);
     ::unsetenv("SNMPCONFPATH");
-    std::filesystem::remove_all(dir);
   }
   // The agent reads its configuration, these lines, as snmpd does its own.
   void configurationIs(const std::vector<std::string>& lines) {
@@ -83,7 +81,7 @@ class VrfCommunitiesTest : public ::testing::Test {
     read_config_with_type((dir / "agent.conf").c_str(), "ipsnmp-tests");
   }
 
-  std::filesystem::path dir;
+  TestSupport::TempDir dir;
   const std::vector<std::string> com2secLines = {
       "com2sec -Cn blue elsewhere 10.9.0.0/16 public",  // another context's mapping: not copied
       "com2sec outsider !10.1.2.3 public",              // refused from this one source
@@ -138,27 +136,6 @@ TEST_F(VrfCommunitiesTest, RefusedLinesSayWhyAndChangeNothing) {
   }
   EXPECT_EQ(mapped("public@red", "10.1.9.9"), (Mapping{"near", "red"}));
   EXPECT_EQ(mapped("private@red", "10.1.9.9"), std::nullopt);
-}
-
-// snmpd on SIGHUP: every line's release (com2sec's frees the whole list, ours among it), then the
-// files again.
-TEST_F(VrfCommunitiesTest, ReadingTheConfigurationAgainBringsTheOpenContextsEntriesBack) {
-  VrfCommunities communities;
-  communities.contextIs("red");
-  std::vector<std::string> lines = com2secLines;
-  lines.push_back("ipsnmpVrfCommunity public");
-  configurationIs(lines);
-  ASSERT_EQ(mapped("public@red", "10.1.9.9"), (Mapping{"near", "red"}));
-
-  free_config();
-  EXPECT_EQ(mapped("public@red", "10.1.9.9"), std::nullopt);
-  configurationIs(lines);
-  EXPECT_EQ(mapped("public@red", "10.1.9.9"), (Mapping{"near", "red"}));
-
-  free_config();
-  configurationIs(com2secLines);
-  EXPECT_EQ(mapped("public@red", "10.1.9.9"), std::nullopt) << "the line taken out";
-  communities.contextDel("red");
 }
 
 }  // namespace
