@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "tests/support/TestSupport.h"
+
 namespace Fuzz {
 
 // The text form of values (keys, records, enumerations, platform values), read back after printing.
@@ -23,7 +25,10 @@ int tableHint(const std::uint8_t* data, std::size_t size);
 
 // A directory of this process for the files that a target's parser reads, made at the first call
 // and removed at exit.
-const std::filesystem::path& scratchDirectory();
+inline std::filesystem::path scratchDirectory() {
+  static const TestSupport::TempDir dir;
+  return dir.path();
+}
 
 // What a parser did that it must never do with any input.
 class PropertyViolation : public std::logic_error {

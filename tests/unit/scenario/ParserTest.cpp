@@ -37,10 +37,7 @@ const Verdict verdicts[] = {
     // the structure and its keys
     {"just a line\n", "s.yaml:1: the scenario must be a map of keys and values"},
     {"routes: {}\n", "s.yaml:1: unknown key 'routes' in the scenario"},
-    {"routing: true\n", "s.yaml:1: routing must be a map of keys and values"},
     {"routing:\n  ipv4: true\nvrfs:\n  red:\n    routng: { ipv4: true }\n", "s.yaml:5: unknown key 'routng' in vrf red"},
-    {"interfaces:\n  Ethernet1:\n    config: { ipv5: 10.0.0.1/24 }\n",
-     "s.yaml:3: unknown key 'ipv5' in config of interface Ethernet1"},
     {"vrfs:\n  red: {}\n  red: {}\n", "s.yaml:3: duplicate key 'red' in vrfs"},
     {"vrfs:\n  default: { routing: { ipv4: true } }\n",
      "s.yaml:2: the default VRF is not listed in vrfs: its routing is the top-level 'routing'"},
@@ -54,8 +51,6 @@ const Verdict verdicts[] = {
     {"interfaces:\n  Ethernet1:\n    status: { ipv4: 10.0.0.1 }\n",
      "s.yaml:3: 'ipv4' in status of interface Ethernet1 must be an IPv4 address with prefix length such as "
      "10.0.0.1/24, not '10.0.0.1'"},
-    {"interfaces:\n  Ethernet1:\n    status: { ipv6: 2001:db8::1/64 }\n",
-     "s.yaml:3: 'ipv6' in status of interface Ethernet1 must be a list of addresses"},
     {"interfaces:\n  Ethernet1:\n    status:\n      ipv6:\n        - 2001:db8::1/64\n        - 2001:db8::1/64\n",
      "s.yaml:6: 'ipv6' in status of interface Ethernet1 lists 2001:db8::1/64 twice"},
     {"vrfs:\n  red:\n    status: { state: up }\n",
@@ -65,8 +60,6 @@ const Verdict verdicts[] = {
      "'65000'"},
     {"vrfs:\n  " + name100 + ": { published: true }\n", "(accepted)"},
     {"vrfs:\n  " + name100 + "w: { published: true }\n", "s.yaml:2: VRF name of 101 bytes: VrfName::bytes > 100 not allowed"},
-    {"interfaces:\n  Ethernet1:\n    config:\n      vrf: " + name100 + "w\n",
-     "s.yaml:4: VRF name of 101 bytes: VrfName::bytes > 100 not allowed"},
     // routes and FECs
     {"fib:\n  default:\n    routes:\n      10.0.0.0/8: { fec: 1, type: bgp }\n",
      "s.yaml:4: 'type' in route 10.0.0.0/8 of fib of vrf default must be a route type such as connected, "
@@ -81,7 +74,6 @@ const Verdict verdicts[] = {
     {"fib:\n  default:\n    fecs:\n      1: [10.0.0.2@Ethernet1, 10.0.0.300@Ethernet1]\n",
      "s.yaml:4: a via of FEC 1 of fib of vrf default must be a next hop with its interface such as "
      "10.0.0.2@Ethernet1, or a next hop alone, not '10.0.0.300@Ethernet1'"},
-    {"fib:\n  default:\n    fecs:\n      0: []\n", "s.yaml:4: a FEC id must be a whole number from 1, not '0'"},
     {"fib:\n  default:\n    fecs:\n      1: [10.0.0.2@" + name24 + "]\n", "(accepted)"},
     {"fib:\n  default:\n    fecs:\n      1: [10.0.0.2@" + name24 + "x]\n",
      "s.yaml:4: interface name '" + name24 + "x' in FEC 1 of fib of vrf default is longer than the 24 bytes a "
@@ -94,7 +86,6 @@ const Verdict verdicts[] = {
     {"arp:\n  - { vrf: green, interface: Ethernet1, address: 10.0.0.2, mac: 00:00:00:00:00:01 }\n",
      "s.yaml:2: 'vrf' in the neighbour of line 2 must be default, a VRF named in vrfIds or a VRF id up to "
      "4294967294, not 'green'"},
-    {"arp: { interface: Ethernet1 }\n", "s.yaml:1: arp must be a list of neighbours"},
     {"vrfIds: { red: 4294967295 }\n",
      "s.yaml:1: 'red' in vrfIds must be a whole number from 0 to 4294967294, not '4294967295'"},
     {"vrfIds: { red: 1, blue: 1 }\n", "s.yaml:1: VRF id 1 in vrfIds is given to red already"},
@@ -102,9 +93,6 @@ const Verdict verdicts[] = {
     {"fib:\n  default:\n    routes:\n      255.255.254.0/24: { count: 2, fec: 1 }\n", "(accepted)"},
     {"fib:\n  default:\n    routes:\n      255.255.254.0/24: { count: 3, fec: 1 }\n",
      "s.yaml:4: route 255.255.254.0/24 of fib of vrf default: 3 routes of length 24 run past 255.255.255.255"},
-    {"fib:\n  default:\n    routes:\n      10.0.0.0/8: { count: 0, fec: 1 }\n",
-     "s.yaml:4: 'count' in route 10.0.0.0/8 of fib of vrf default must be a whole number from 1 to 16777216, not "
-     "'0'"},
     {"fib:\n  default:\n    routes:\n      10.0.0.0/8: { fec: [1, 2] }\n",
      "s.yaml:4: route 10.0.0.0/8 of fib of vrf default is one route and uses one FEC; a list of FECs is for routes "
      "with a count"},

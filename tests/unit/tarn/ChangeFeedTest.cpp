@@ -19,7 +19,7 @@ class ChangeDelivery : public TarnTest::TableDir {
     reader_ = reader();
     feed_.follow(*reader_);
   }
-  void put(U64 key, U64 version) { TableDir::put(*writer_, key, version); }
+  void put(U64 key, U64 version) { TarnTest::put(*writer_, key, version); }
   void erase(U64 key) { writer_->erase(&key); }
   // Pumps until caught up and gives the keys delivered, with their counts.
   std::map<U64, int> drain(double slice = 1) {

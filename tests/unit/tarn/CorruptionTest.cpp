@@ -11,6 +11,7 @@
 namespace {
 
 using TarnTest::CheckedRecord;
+using TarnTest::put;
 using TarnTest::RawTable;
 
 class Corruption : public TarnTest::TableDir {

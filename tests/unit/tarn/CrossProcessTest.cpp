@@ -7,18 +7,19 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <random>
 #include <thread>
 #include <utility>
 
 #include "platform/quor/Clock.h"
 #include "platform/tarn/TableFollower.h"
-#include "platform/tarn/TableWriter.h"
 #include "tests/unit/tarn/TableFixture.h"
 
 namespace {
 
 using TarnTest::CheckedRecord;
+using TarnTest::put;
 
 // Keeps a copy of the table from the keys it is told about, reading each one as a reactor would.
 class Mirror : public Tarn::TableFollower::Client {
@@ -28,7 +29,7 @@ class Mirror : public Tarn::TableFollower::Client {
     std::memcpy(&k, key, sizeof k);
     CheckedRecord out;
     if (follower->reader()->lookup(&k, &out)) {
-      if (!out.whole()) ++torn;
+      torn += !out.whole();
       model[k] = out.version;
     } else {
       model.erase(k);
@@ -43,23 +44,33 @@ class Mirror : public Tarn::TableFollower::Client {
   U64 told = 0, torn = 0;
 };
 
+void putRange(Tarn::TableWriter& w, U64 from, U64 to, U64 version) {
+  for (U64 k = from; k < to; ++k) {
+    put(w, k, version);
+    if (k % 1000 == 999) w.commit();
+  }
+  w.commit();
+}
+
 class CrossProcess : public TarnTest::TableDir {
  protected:
-  void SetUp() override {
-    mirror_.follower = Quor::makePtr<Tarn::TableFollower>(path(), TarnTest::checkedType, sizeof(U64),
-                                                           sizeof(CheckedRecord));
+  static constexpr U32 tableSize = 120000;
+  // Makes the table with `maxMembers` and follows it.
+  void SetUp() override { follow(tableSize); }
+  void follow(U32 maxMembers) {
+    writer(maxMembers).reset();
+    mirror_.follower = Quor::makePtr<Tarn::TableFollower>(path(), TarnTest::checkedType, sizeof(U64), sizeof(CheckedRecord));
+    ASSERT_TRUE(mirror_.follower->attach(&mirror_));
   }
   void TearDown() override { mirror_.follower->detach(false); }
-  static constexpr U32 tableSize = 120000;
-  Tarn::TableGeometry geometry() const { return TarnTest::checkedGeometry(tableSize); }
 
-  // Runs `write` in a child process that exits when it returns.
+  // Runs `write` in a child process, with a writer of the table at its full size, that exits when it
+  // returns.
   pid_t spawnWriter(const std::function<void(Tarn::TableWriter&)>& write) {
     pid_t pid = ::fork();
     if (pid == 0) {
       try {
-        Tarn::TableWriter w(path(), TarnTest::checkedType, geometry(), 5);
-        write(w);
+        write(*writer(tableSize, false, 5));
       } catch (...) {
         ::_exit(2);
       }
@@ -68,91 +79,62 @@ class CrossProcess : public TarnTest::TableDir {
     return pid;
   }
 
-  // Turns the event loop until the reader has caught up with a writer that has finished.
-  void settle() {
+  // Turns the event loop until the reader has caught up with a writer that has finished, then
+  // expects its copy to be the table, read whole.
+  void expectCaughtUp() {
     ASSERT_TRUE(TestSupport::turnUntil(
         [&] { return mirror_.follower->reader() && mirror_.follower->feed().caughtUp(*mirror_.follower->reader()); }, 20))
         << "the reader never caught up";
+    EXPECT_EQ(mirror_.torn, 0u);
+    EXPECT_EQ(TarnTest::differences(mirror_.model, TarnTest::contentOf(*mirror_.follower->reader())), "");
   }
 
   Mirror mirror_;
 };
 
-void putRange(Tarn::TableWriter& w, U64 from, U64 to, U64 version) {
-  for (U64 k = from; k < to; ++k) {
-    CheckedRecord r = CheckedRecord::make(k, version);
-    w.put(&r);
-    if (k % 1000 == 999) w.commit();
-  }
-  w.commit();
-}
-
 TEST_F(CrossProcess, EveryChangeOfAWriterInAnotherProcessReachesTheReaderWhole) {
-  { Tarn::TableWriter(path(), TarnTest::checkedType, geometry()); }  // an empty table to start from
-  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
   pid_t child = spawnWriter([](Tarn::TableWriter& w) {
+    putRange(w, 0, 100000, 1);
     std::mt19937_64 random(7);
-    U64 changes = 0;
-    for (U64 k = 0; k < 100000; ++k, ++changes) {
-      CheckedRecord r = CheckedRecord::make(k, 1);
-      w.put(&r);
-      if (k % 1000 == 999) w.commit();
-    }
-    for (U64 round = 2; round < 6; ++round) {
-      for (U64 i = 0; i < 25000; ++i, ++changes) {
-        U64 k = random() % 110000;
-        if (random() % 5 == 0) {
-          w.erase(&k);
-        } else {
-          CheckedRecord r = CheckedRecord::make(k, round);
-          w.put(&r);
-        }
-        if (i % 500 == 499) w.commit();
-      }
+    for (U64 i = 0; i < 100000; ++i) {
+      U64 k = random() % 110000;
+      if (random() % 5 == 0) w.erase(&k);
+      else put(w, k, 2 + i / 25000);
+      if (i % 500 == 499) w.commit();
     }
     w.commit();
   });
   // Meanwhile the agent serves: lookups and walks, every record whole.
   std::mt19937_64 random(11);
   int status = 0;
-  U64 reads = 0;
   while (::waitpid(child, &status, WNOHANG) == 0) {
     Quor::activityManager()->runOnce(0.001);
     const Tarn::TableReader* reader = mirror_.follower->reader();
     CheckedRecord out;
-    for (int i = 0; i < 200; ++i, ++reads) {
+    for (int i = 0; i < 200; ++i) {
       U64 k = random() % 110000;
       if (reader->lookup(&k, &out)) {
         ASSERT_TRUE(out.whole() && out.key == k);
       }
     }
     U32 slot = reader->nextOccupied(static_cast<U32>(random() % reader->capacity()), &out);
-    for (int i = 0; i < 200 && slot < reader->capacity(); ++i, ++reads) {
+    for (int i = 0; i < 200 && slot < reader->capacity(); ++i, slot = reader->nextOccupied(slot + 1, &out))
       ASSERT_TRUE(out.whole());
-      slot = reader->nextOccupied(slot + 1, &out);
-    }
   }
   ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  settle();
-  EXPECT_EQ(mirror_.torn, 0u);
-  EXPECT_EQ(TarnTest::differences(mirror_.model, TarnTest::contentOf(*mirror_.follower->reader())), "");
+  expectCaughtUp();
   EXPECT_GT(mirror_.model.size(), 80000u);
-  RecordProperty("reads", std::to_string(reads));
-  RecordProperty("keysTold", std::to_string(mirror_.told));
-  RecordProperty("resyncs", std::to_string(mirror_.follower->feed().resyncs()));
 }
 
 // A save that grows a table rebuilds the file at the larger size, then adds to it. The writer stops
 // between the two steps: the reader has moved to the new file by then and must still find every key.
 TEST_F(CrossProcess, AReaderWatchingATableThatGrowsNeverSeesAKeyVanish) {
   constexpr U64 before = 800, after = 50000;
-  { Tarn::TableWriter(path(), TarnTest::checkedType, TarnTest::checkedGeometry(1000)); }
-  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
-  {
-    Tarn::TableWriter w(path(), TarnTest::checkedType, TarnTest::checkedGeometry(1000));
-    putRange(w, 0, before, 1);
-  }
-  settle();
+  mirror_.follower->detach(false);
+  std::filesystem::remove(path());
+  follow(1000);
+  putRange(*writer(1000), 0, before, 1);
+  expectCaughtUp();
   ASSERT_EQ(mirror_.model.size(), before);
   const U64 toldBefore = mirror_.told;
 
@@ -178,11 +160,7 @@ TEST_F(CrossProcess, AReaderWatchingATableThatGrowsNeverSeesAKeyVanish) {
     const Tarn::TableReader* r = mirror_.follower->reader();
     return r && r->geometry().maxMembers == tableSize && mirror_.follower->feed().caughtUp(*r);
   })) << "the reader never moved to the rebuilt file";
-  auto rebuiltFile = reader();
-  CheckedRecord out;
-  U64 missing = 0;
-  for (U64 k = 0; k < before; ++k) missing += !rebuiltFile->lookup(&k, &out);
-  EXPECT_EQ(missing, 0u) << "keys missing from the rebuilt file";
+  EXPECT_EQ(TarnTest::contentOf(*reader()).size(), before) << "keys missing from the rebuilt file";
   EXPECT_EQ(mirror_.model.size(), before) << "a key vanished from the reader's copy";
   EXPECT_GE(mirror_.told - toldBefore, before) << "the move to the new file is delivered key by key";
 
@@ -190,33 +168,23 @@ TEST_F(CrossProcess, AReaderWatchingATableThatGrowsNeverSeesAKeyVanish) {
   int status = 0;
   ::waitpid(child, &status, 0);
   ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  settle();
-  EXPECT_EQ(mirror_.torn, 0u);
+  expectCaughtUp();
   EXPECT_EQ(mirror_.model.size(), after);
-  EXPECT_EQ(TarnTest::differences(mirror_.model, TarnTest::contentOf(*mirror_.follower->reader())), "");
 }
 
 TEST_F(CrossProcess, AWriterKilledInABatchLeavesWholeRecordsAndNoLostChange) {
-  { Tarn::TableWriter(path(), TarnTest::checkedType, geometry()); }
-  ASSERT_TRUE(mirror_.follower->attach(&mirror_));
   pid_t child = spawnWriter([](Tarn::TableWriter& w) {
     for (U64 round = 1;; ++round) {
-      for (U64 k = 0; k < 20000; ++k) {
-        CheckedRecord r = CheckedRecord::make(k, round);
-        w.put(&r);
-      }
+      for (U64 k = 0; k < 20000; ++k) put(w, k, round);
       w.commit();
     }
   });
-  const Tarn::TableReader* reader = mirror_.follower->reader();
-  while (reader->logHead() < 50000) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  while (mirror_.follower->reader()->logHead() < 50000) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   ::kill(child, SIGKILL);
   int status = 0;
   ::waitpid(child, &status, 0);
   ASSERT_TRUE(WIFSIGNALED(status));
-  settle();
-  EXPECT_EQ(mirror_.torn, 0u);
-  EXPECT_EQ(TarnTest::differences(mirror_.model, TarnTest::contentOf(*reader)), "");
+  expectCaughtUp();
   EXPECT_EQ(mirror_.model.size(), 20000u);
 }
 

@@ -108,11 +108,4 @@ TEST_F(ReverseMapping, AnotherTableReplacesTheMapAndAnUnmountEmptiesIt) {
   EXPECT_TRUE(map_->vrfNameToIds().empty());
 }
 
-TEST_F(ReverseMapping, ADroppedMapperStopsFollowing) {
-  follow();
-  mapper_ = nullptr;
-  writeTable(status_, {{7, "red"}});
-  EXPECT_EQ(idOf("red"), -1);
-}
-
 }  // namespace

@@ -54,7 +54,7 @@ std::unique_ptr<Tarn::TableReader> TableDir::reader() const {
   return Tarn::TableReader::open(path(), checkedType, sizeof(U64), sizeof(CheckedRecord));
 }
 
-void TableDir::put(Tarn::TableWriter& w, U64 key, U64 version) {
+void put(Tarn::TableWriter& w, U64 key, U64 version) {
   const CheckedRecord r = CheckedRecord::make(key, version);
   w.put(&r);
 }

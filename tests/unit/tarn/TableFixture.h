@@ -38,13 +38,15 @@ std::map<U64, U64> contentOf(const Tarn::TableReader& table);
 // The first few keys on which two contents disagree, as "key: a/b" ("-" for absent); empty if none.
 std::string differences(const std::map<U64, U64>& a, const std::map<U64, U64>& b);
 
+// Puts the checked record of `key` at `version`.
+void put(Tarn::TableWriter& w, U64 key, U64 version);
+
 // A test with a directory of its own and a table of checked records, "table", in it.
 class TableDir : public ::testing::Test {
  protected:
   std::string path(const std::string& name = "table") const { return dir_ / name; }
   std::unique_ptr<Tarn::TableWriter> writer(U32 maxMembers = 1000, bool fresh = false, double lockWait = 0) const;
   std::unique_ptr<Tarn::TableReader> reader() const;
-  static void put(Tarn::TableWriter& w, U64 key, U64 version);
 
   TestSupport::TempDir dir_{"/dev/shm"};
 };

@@ -12,6 +12,7 @@
 namespace {
 
 using TarnTest::CheckedRecord;
+using TarnTest::put;
 
 class TableStorage : public TarnTest::TableDir {
  protected:
