@@ -57,7 +57,6 @@ void initializeIteratedTable(const IteratedTableRegistration& table, const Quor:
   const std::string registrationName = std::string(table.name) + "_" + context.str();
   netsnmp_handler_registration* reg = netsnmp_create_handler_registration(
       registrationName.c_str(), table.handler, table.root.data(), table.root.size(), table.modes);
-  reg->priority = registrationPriority;
   Quor::String8 path(table.defaultPath);
   if (!context.empty()) {
     if (!table.contextPathFormat) {

@@ -2,6 +2,14 @@
 
 #include <cstring>
 
+namespace {
+
+// Below net-snmp's default of 127: a lower number takes precedence, so these answer instead of the
+// agent's own objects of the same names.
+constexpr int scalarPriority = 64;
+
+}  // namespace
+
 void debugUnitInit(const char* unit, const char* function, const char* file, int line, const Quor::String8& context) {
   if (!snmp_get_do_debugging()) return;
   DEBUGMSGTL(("trace", "%s(): %s, %d:\n", function, file, line));
@@ -20,7 +28,7 @@ Snmp::HandlerRegistrationPtr newScalarRegistration(const char* namePrefix, Netsn
   const std::string registrationName = namePrefix + context.str();
   Snmp::HandlerRegistrationPtr reg(
       netsnmp_create_handler_registration(registrationName.c_str(), handler, name.data(), name.size(), modes));
-  reg->priority = registrationPriority;
+  reg->priority = scalarPriority;
   if (!context.empty()) reg->contextName = strdup(context.str().c_str());
   return reg;
 }
