@@ -231,8 +231,7 @@ double untilSeen(Session& session, const Oid& target, Clock::time_point from, do
 }
 
 // Polls with a GETNEXT from `previous`, a row that exists, until the answer is `target`; the
-// milliseconds from `from`, or -1 after `limitS`. A GET of a row that does not exist yet would make
-// the table iterator look at every row.
+// milliseconds from `from`, or -1 after `limitS`.
 double untilNext(Session& session, const Oid& previous, const Oid& target, Clock::time_point from, double limitS) {
   while (msSince(from) < limitS * 1e3) {
     netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_GETNEXT);

@@ -128,8 +128,8 @@ bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, cons
   for (std::size_t i = 0; i < components; ++i, written = written->next_variable) {
     // build_oid_segment is what the helper's comparison of a row's index goes through.
     if (!written || build_oid_segment(written) != SNMPERR_SUCCESS) return false;
-    if (written->name_length > length - at || !std::equal(written->name, written->name + written->name_length, index + at))
-      return false;
+    const oid* const from = written->name;
+    if (written->name_length > length - at || !std::equal(from, from + written->name_length, index + at)) return false;
     at += written->name_length;
   }
   return at == length;

@@ -256,7 +256,8 @@ class IteratedTable {
     (readComponent<I>(var, std::get<I>(values), accepted), ...);
     if (accepted < componentCount()) {
       QTRACE(tableTracer(), 2,
-             T::name << "_get_first_data_point - needed " << componentCount() << " components, found only " << accepted);
+             T::name << "_get_first_data_point - needed " << componentCount() << " components, found only "
+                     << accepted);
       return;
     }
     try {
@@ -264,12 +265,12 @@ class IteratedTable {
       const Key key = T::keyOf(*std::get<I>(values)...);
       Iterator row = table.startAt(key);
       if (!row.atEnd() && row.key() == key) {
-        loop.row = row;
+        loop.row = std::move(row);
         loop.start = Start::hintedRow;
       } else if (writesRequestIndex(key, *hint.index, scratch)) {
         QTRACE(tableTracer(), 2,
                T::name << "_get_first_data_point - key '" << key << "' not in table, starting at the next key");
-        loop.row = row;
+        loop.row = std::move(row);
         loop.start = Start::lowerBound;
         if (hint.exact) loop.last = lastKeyOfIndex(key);
       } else {

@@ -35,7 +35,9 @@ struct OskelVrfTableTraits {
 
   static const Container::VrfTable& collection(const Container& mib) { return mib.vrfTable(); }
   static Snmp::String keyOf(const Snmp::String& vrfName) { return vrfName; }
-  static void writeIndex(const Snmp::String& vrfName, IndexWriter& index) { index.octets("vrfName", vrfName, vrfNameLimit); }
+  static void writeIndex(const Snmp::String& vrfName, IndexWriter& index) {
+    index.octets("vrfName", vrfName, vrfNameLimit);
+  }
   static bool isColumn(int colnum) { return colnum >= 2 && colnum <= 4; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {
     switch (colnum) {
