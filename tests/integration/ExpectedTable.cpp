@@ -22,10 +22,6 @@ std::string textOf(const std::vector<unsigned char>& bytes) {
   return text;
 }
 
-bool isBelow(const OidParts& name, const OidParts& prefix) {
-  return name.size() > prefix.size() && std::equal(prefix.begin(), prefix.end(), name.begin());
-}
-
 }  // namespace
 
 OidParts oidParts(const std::string& oid) {
@@ -54,8 +50,7 @@ std::string subnetOf(const std::string& address, unsigned prefixLength) {
 
 std::string ipv4Mask(unsigned prefixLength) { return subnetOf("255.255.255.255", prefixLength); }
 
-ExpectedTable::ExpectedTable(std::string root, std::set<unsigned> columns)
-    : root_(std::move(root)), columns_(std::move(columns)) {}
+ExpectedTable::ExpectedTable(std::string root) : root_(std::move(root)) {}
 
 void ExpectedTable::cellIs(unsigned column, const std::string& index, const std::string& type,
                            const std::string& value) {
@@ -67,21 +62,6 @@ std::vector<Varbind> ExpectedTable::walk() const {
   std::vector<Varbind> cells;
   for (const auto& [name, cell] : cells_) cells.push_back(cell);
   return cells;
-}
-
-std::optional<Varbind> ExpectedTable::next(const std::string& oid) const {
-  auto after = cells_.upper_bound(oidParts(oid));
-  if (after == cells_.end()) return std::nullopt;
-  return after->second;
-}
-
-Varbind ExpectedTable::get(const std::string& oid) const {
-  const OidParts name = oidParts(oid);
-  if (auto cell = cells_.find(name); cell != cells_.end()) return cell->second;
-  OidParts entry = oidParts(root_);
-  entry.push_back(1);
-  const bool inColumn = isBelow(name, entry) && columns_.count(name[entry.size()]);
-  return Varbind{oid, inColumn ? "noSuchInstance" : "noSuchObject", ""};
 }
 
 std::string lineOf(const Varbind& varbind) {

@@ -1,11 +1,7 @@
 #pragma once
-// A table as the test knows it must be served: its cells as the tools print them. From them follow
-// the walk, in OID order across every column boundary, and the one right answer to any GET or
-// GETNEXT, whatever the index of the request: an existing row, one between rows, past the end, or an
-// index that no row can have (too short, too long, a sub-identifier out of range).
+// A table as the test knows it must be served: its cells as the tools print them, from which follows
+// the walk, in OID order across every column boundary.
 #include <map>
-#include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -27,8 +23,8 @@ std::string ipv4Mask(unsigned prefixLength);
 
 class ExpectedTable {
  public:
-  // `root` is the table object (".1.3.6.1.2.1.4.20"), `columns` those the table serves.
-  ExpectedTable(std::string root, std::set<unsigned> columns);
+  // `root` is the table object (".1.3.6.1.2.1.4.20").
+  explicit ExpectedTable(std::string root);
 
   // The cell of `column` in the row with `index` (".10.0.1.1").
   void cellIs(unsigned column, const std::string& index, const std::string& type, const std::string& value);
@@ -36,16 +32,9 @@ class ExpectedTable {
   const std::string& root() const noexcept { return root_; }
   // Every cell, in the order of a walk.
   std::vector<Varbind> walk() const;
-  // The answer to a GETNEXT of `oid`: the first cell after it, or nothing when the request must leave
-  // the table.
-  std::optional<Varbind> next(const std::string& oid) const;
-  // The answer to a GET of `oid`: the cell; else noSuchInstance for the OID of a served column or one
-  // below it, and noSuchObject for any other.
-  Varbind get(const std::string& oid) const;
 
  private:
   std::string root_;
-  std::set<unsigned> columns_;
   std::map<OidParts, Varbind> cells_;
 };
 

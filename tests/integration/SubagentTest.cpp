@@ -111,31 +111,5 @@ TEST_F(SubagentTest, WalksAnswerAgainAfterTheMasterRestarts) {
   EXPECT_TRUE(subagent->running());
 }
 
-TEST_F(SubagentTest, VrfsThatChangeWhileTheMasterIsAwayAreServedAsTheyAreWhenItReturns) {
-  start(AgentMode::subagent);
-  const std::string ipForwarding = ".1.3.6.1.2.1.4.1.0";
-  ASSERT_TRUE(eventually([&] { return subagent->tools().getOne(Credentials::v3("blue"), ipForwarding).has_value(); }));
-
-  ASSERT_TRUE(subagent->masterKilled()) << subagent->diagnostics();
-  // The sub-agent finds the new master within a ping interval (a second): the edit is seen first.
-  std::string edited = scenarioText();
-  const std::string blueActive = "status: { state: active, namespace: ns-blue }";
-  ASSERT_NE(edited.find(blueActive), std::string::npos);
-  edited.replace(edited.find(blueActive), blueActive.size(), "status: { state: deleting, namespace: ns-blue }");
-  edited.replace(edited.find("vrfs:\n"), 6,
-                 "vrfs:\n  green:\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n");
-  subagent->scenarioIs(edited);
-
-  EXPECT_TRUE(eventually([&] {
-    auto vb = subagent->tools().getOne(Credentials::v3("green"), ipForwarding);
-    return vb && vb->type == "INTEGER" && vb->value == "1";
-  })) << "a VRF up since the master left";
-  auto red = subagent->tools().getOne(Credentials::v3("red"), ipForwarding);
-  EXPECT_TRUE(red && red->type == "INTEGER") << "a VRF up all along";
-  // The returned master has never heard of blue: no answer at all, as for any unknown context.
-  EXPECT_TRUE(subagent->tools().impatient().get(Credentials::v3("blue"), {ipForwarding}).timedOut);
-  EXPECT_TRUE(subagent->running());
-}
-
 }  // namespace
 }  // namespace IntegrationTest

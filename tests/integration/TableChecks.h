@@ -13,9 +13,4 @@ bool walksAs(const AgentUnderTest& agent, const ExpectedTable& expected,
 void expectWalk(const AgentUnderTest& agent, const ExpectedTable& expected,
                 const Credentials& who = Credentials::v2c("public"));
 
-// A GET and a GETNEXT of all `probes`, one request each in the default context: every answer is the
-// one that `table` gives; a GETNEXT that must leave the table answers a greater OID outside it.
-void expectRightAnswers(const AgentUnderTest& agent, const ExpectedTable& table,
-                        const std::vector<std::string>& probes);
-
 }  // namespace IntegrationTest

@@ -3,7 +3,6 @@
 // context closed first; and it comes back with fresh containers.
 #include <algorithm>
 
-#include "tests/unit/agent/TraceLines.h"
 #include "tests/unit/agent/VrfLifecycleFixture.h"
 
 namespace IpSnmp {
@@ -29,16 +28,6 @@ TEST_F(VrfLifecycle, NothingComesUpBeforeTheAgentIsInitialized) {
   EXPECT_EQ(vrfRoot("red")->arpTableSm()->arpTarnVrfId(), Vrf::VrfIdMap::unknownVrfId);
 }
 
-TEST_F(VrfLifecycle, AnAgentInitializedAlreadyBringsTheVrfsUpAtConstruction) {
-  initialized();
-  vrf("red");
-  vrf("blue", Ip::vrfStateInitializing);
-  start();
-  std::sort(contexts.calls.begin(), contexts.calls.end());
-  EXPECT_EQ(contexts.calls, (Strings{"open blue: " + everything + " row", "open red: " + everything + " row"}))
-      << "states 0 and 1 add the row before the VRF comes up";
-}
-
 TEST_F(VrfLifecycle, OnlyAPublishedVrfComesUpAndItNeedsNoStatus) {
   routingConfigIs("red");
   ipConfigIs("red");
@@ -53,26 +42,6 @@ TEST_F(VrfLifecycle, OnlyAPublishedVrfComesUpAndItNeedsNoStatus) {
 
   published("red");
   EXPECT_NE(vrfRoot("red"), nullptr) << "publishing brings it up";
-}
-
-TEST_F(VrfLifecycle, TheRowComesWithTheLastOfItsThreeSourcesWhateverItIs) {
-  initialized();
-  start();
-  statusIs("red", Ip::vrfStateActive);
-  published("red");
-  routingConfigIs("red");
-  EXPECT_FALSE(hasRow("red"));
-  ipConfigIs("red");
-  EXPECT_TRUE(hasRow("red")) << "the IP configuration came last";
-}
-
-TEST_F(VrfLifecycle, LeavingThePublishedDirectoryTearsNothingDown) {
-  initialized();
-  vrf("red");
-  start();
-  store.routingVrfInfoDir->entityPtrDel(Quor::Name("red"));
-  EXPECT_NE(vrfRoot("red"), nullptr);
-  EXPECT_EQ(contexts.calls.size(), 1u);
 }
 
 TEST_F(VrfLifecycle, TheContextClosesBeforeTablesContainersAndMachinesGo) {
@@ -90,58 +59,6 @@ TEST_F(VrfLifecycle, TheContextClosesBeforeTablesContainersAndMachinesGo) {
   EXPECT_EQ(partsOf(Quor::Name("red")), "") << "and everything else after it";
   EXPECT_EQ(ipVrfMib->vrfIfTable().members(), 1u) << "rows of other VRFs' interfaces stay";
   EXPECT_NE(ipVrfMib->vrfIfTable(6), nullptr);
-}
-
-TEST_F(VrfLifecycle, StateTwoThenRemovalTearsDownOnce) {
-  initialized();
-  auto status = vrf("red");
-  start();
-  TraceLines trace;
-  status->stateIs(Ip::vrfStateDeleting);
-  store.allVrfStatusLocal->vrfDel(L3::VrfName("red"));
-  EXPECT_EQ(contexts.calls, (Strings{"open red: " + everything + " row", "close red: " + everything}));
-  EXPECT_EQ(trace.count("IpSnmp/8 void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel() for vrf red"), 2)
-      << "the second run finds nothing to do";
-  EXPECT_EQ(sm().vrfStatusLocal(L3::VrfName("red")), nullptr);
-}
-
-TEST_F(VrfLifecycle, RemovingTheStatusMemberTearsDown) {
-  initialized();
-  vrf("red");
-  vrf("blue");
-  start();
-  store.allVrfStatusLocal->vrfDel(L3::VrfName("red"));
-  EXPECT_EQ(vrfRoot("red"), nullptr);
-  EXPECT_NE(vrfRoot("blue"), nullptr);
-  EXPECT_EQ(contexts.calls.back(), "close red: " + everything);
-}
-
-TEST_F(VrfLifecycle, StatesOtherThanZeroOneAndTwoDoNothing) {
-  initialized();
-  auto status = vrf("red");
-  start();
-  VrfRoot* up = vrfRoot("red");
-  status->stateIs(Ip::VrfState(3));
-  status->stateIs(Ip::VrfState(-1));
-  EXPECT_EQ(vrfRoot("red"), up);
-  EXPECT_EQ(contexts.calls.size(), 1u);
-  EXPECT_TRUE(hasRow("red"));
-}
-
-TEST_F(VrfLifecycle, ASecondCreationDoesNothing) {
-  initialized();
-  auto status = vrf("red");
-  start();
-  VrfRoot* up = vrfRoot("red");
-  auto mib = ipMibOf("red");
-  auto routes = mountedAt(Tarn::Fib::vrfRoutePathFormat, "red");
-  sm().handleVrfCreation(Quor::Name("red"));
-  status->stateIs(Ip::vrfStateInitializing);
-  published("red");  // the routing side publishes it again
-  EXPECT_EQ(vrfRoot("red"), up);
-  EXPECT_EQ(ipMibOf("red"), mib);
-  EXPECT_EQ(mountedAt(Tarn::Fib::vrfRoutePathFormat, "red"), routes);
-  EXPECT_EQ(contexts.calls.size(), 1u) << "no second registration";
 }
 
 TEST_F(VrfLifecycle, AVrfComesBackWithFreshEmptyContainers) {

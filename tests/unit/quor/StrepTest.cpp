@@ -1,9 +1,7 @@
-// The textual value form: a value prints as a form that parses back to it, byte for byte, and a text
-// that is no form is refused with where and why.
+// The textual value form: a value prints as a form that parses back to it, byte for byte.
 #include <gtest/gtest.h>
 
 #include "platform/quor/Strep.h"
-#include "tests/support/TestSupport.h"
 
 namespace {
 
@@ -28,12 +26,6 @@ struct Sample {
   }
 };
 
-std::string parsed(const char* text) {
-  std::string port;
-  const std::string failure = TestSupport::failureOf([&] { port = std::to_string(Quor::strepToValue<Sample>(String8(text)).port); });
-  return failure == "no failure" ? "port " + port : failure;
-}
-
 TEST(Strep, AValueReadsBackFromItsFormByteForByte) {
   const char raw[] = {'a', '\'', 'b', '\\', '\n', '\0', char(0xff), 'z'};
   Sample s;
@@ -47,31 +39,6 @@ TEST(Strep, AValueReadsBackFromItsFormByteForByte) {
   Sample fallback;
   fallback.port = 5;
   EXPECT_EQ(Quor::strepToValue<Sample>(String8(), fallback).port, 5u) << "an empty text gives the default offered";
-}
-
-TEST(Strep, EachTextIsReadOrRefusedWithWhereAndWhy) {
-  const std::pair<const char*, const char*> verdicts[] = {
-      {"  Value ( 'Test::Sample' , ** { 'label' :'x' ,  'port' : 9 } )  ", "port 9"},
-      {"Value('Test::Sample',**{'port':1})", "port 1"},
-      {"Value('Test::Sample', ** {})", "port 0"},
-      {"Value('Test::Sample', ** {'port': 1, 'port': 2})", "port 2"},
-      {"", "expected \"Value\" at column 0, found the end of the text"},
-      {"Value('Test::Sample', ** {}) x", "junk at column 29 deserializing Value('Test::Sample', ** {}) x"},
-      {"Value('Test::Sample', ** {", "premature end of value type Sample"},
-      {"Value('Test::Sample', ** {'port': 1 ", "premature end of value type Sample"},
-      {"Value('Test::Sample', ** {'mtu': 1})", "Sample has no such attribute: mtu"},
-      {"Value('Test::Other', ** {})", "expected \"'Test::Sample'\" at column 6, found \"'Test::Other', ** {}...\""},
-      {"Value('Test::Sample', ** {'port': 1 'label': 'a'})", "expected \",\" at column 36, found \"'label': 'a'})\""},
-      {"Value('Test::Sample', ** {'port': x})", "cannot convert \"x})\" at column 34 to integer deserializing attribute port"},
-      {"Value('Test::Sample', ** {'port': 4294967296})",
-       "cannot convert \"4294967296})\" at column 34 to integer deserializing attribute port"},
-      {"Value('Test::Sample', ** {'port': -1})", "cannot convert \"-1})\" at column 34 to integer deserializing attribute port"},
-      {"Value('Test::Sample', ** {'port': 0x10})", "expected \",\" at column 35, found \"x10})\""},
-      {"Value('Test::Sample', ** {'label': 'abc", "unterminated string at column 35 deserializing attribute label"},
-      {"Value('Test::Sample', ** {'label': '\\q'})",
-       "cannot convert \"'\\q'})\" at column 35 to quoted string deserializing attribute label"},
-  };
-  for (const auto& [text, verdict] : verdicts) EXPECT_EQ(parsed(text), verdict) << text;
 }
 
 }  // namespace

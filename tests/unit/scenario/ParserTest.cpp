@@ -126,55 +126,6 @@ TEST(ScenarioChecks, EachFileGetsItsVerdict) {
   EXPECT_EQ(malformed.rfind("s.yaml:3: malformed YAML: ", 0), 0u) << malformed;
 }
 
-TEST(ScenarioReading, LeftOutPartsTakeTheirDefaults) {
-  const Sources::Scenario s = parseScenario(
-      "vrfs:\n  red: { published: true }\n"
-      "interfaces:\n"
-      "  Ethernet1: { ifIndex: 1, config: { ipv4: 10.0.0.1/24 }, status: { vrf: null } }\n",
-      "s.yaml");
-  EXPECT_FALSE(s.routing.ipv4);
-  EXPECT_FALSE(s.snmp.initialized);
-  const Sources::VrfScenario& red = s.vrfs.at("red");
-  EXPECT_FALSE(red.routingIpv4 || red.config || red.status);
-  const Sources::IntfScenario& e1 = s.interfaces.at(Pelt::IntfId("Ethernet1"));
-  EXPECT_EQ(e1.presence->kind, "ethernet");
-  EXPECT_EQ(e1.config->vrf, L3::VrfName("default")) << "an interface is in the default VRF unless told";
-  EXPECT_FALSE(e1.status->vrf) << "null: no L3 object at all";
-  EXPECT_EQ(e1.status->ipv4, Pelt::IpAddrWithMask()) << "no address: 0.0.0.0/0";
-  EXPECT_FALSE(s.tables.fib || s.tables.arp || s.tables.vrfIds) << "a table left out is not managed";
-  const Sources::TablesScenario empty = parseScenario("fib: {}\narp: []\nvrfIds: {}\n", "s.yaml").tables;
-  EXPECT_TRUE(empty.fib && empty.fib->empty() && empty.arp && empty.arp->empty() && empty.vrfIds && empty.vrfIds->empty())
-      << "present and empty: the tables are to be empty";
-}
-
-TEST(ScenarioReading, TableEntriesTakeTheirDefaultsAndNeighboursNameVrfsByIdOrName) {
-  const Sources::TablesScenario t = parseScenario(
-                                        "fib:\n"
-                                        "  red:\n"
-                                        "    fecs:\n"
-                                        "      7: [10.0.0.2@Ethernet1, 10.0.0.3]\n"
-                                        "    routes:\n"
-                                        "      10.1.0.0/16: { fec: 7 }\n"
-                                        "      100.0.0.0/24: { count: 1000, fec: [7, 8], type: 13 }\n"
-                                        "arp:\n"
-                                        "  - { interface: Ethernet1, address: 10.0.0.2, mac: 00:1c:73:00:00:02 }\n"
-                                        "  - { vrf: red, interface: Ethernet2, address: 10.0.1.2, mac: 02:00:00:00:00:01,"
-                                        " static: true }\n"
-                                        "vrfIds: { red: 4 }\n",
-                                        "s.yaml")
-                                        .tables;
-  const Sources::FibScenario& red = t.fib->at("red");
-  EXPECT_EQ(red.fecs[0].vias[1], (Tarn::Fib::Via{Pelt::IpAddr(10, 0, 0, 3), Pelt::IntfId()})) << "a hop alone";
-  const Sources::RouteRun& plain = red.routes[0];
-  EXPECT_EQ(plain.type, Routing::Fib::routeTypeConnected);
-  EXPECT_EQ(plain.metric, Routing::RouteMetric(0));
-  EXPECT_EQ(plain.preference, Routing::RoutePreference(1));
-  EXPECT_EQ(red.routes[1].type, Routing::Fib::routeTypeOspfInterArea);
-  EXPECT_EQ((*t.arp)[0].vrfId, Vrf::VrfIdMap::defaultVrfId) << "the default VRF unless told";
-  EXPECT_FALSE((*t.arp)[0].isStatic);
-  EXPECT_EQ((*t.arp)[1].vrfId, Vrf::VrfIdMap::VrfId(4)) << "vrfIds stands after arp in the file";
-}
-
 TEST(ScenarioDocs, TheCompleteExampleOfTheFormatIsAcceptedWhole) {
   std::ifstream doc(SCENARIO_DOC);
   std::stringstream text;

@@ -16,16 +16,6 @@ using ScenarioTest::Lines;
 
 Morvane::Store freshStore() { return Morvane::buildStore(Quor::makePtr<Quor::Dir>(Quor::Name("sys"))); }
 
-TEST(EmbeddedScenario, LoadsWhenNoFileIsNamedAndCannotBeWatched) {
-  Morvane::Store store = freshStore();
-  Sources::ScenarioSource source(store, "");
-  EXPECT_EQ(source.load(), "");
-  EXPECT_TRUE(store.routingConfig->routing());
-  EXPECT_TRUE(store.routingVrfConfigDir->vrfConfig("red"));
-  EXPECT_TRUE(store.snmpStatus->initialized());
-  EXPECT_NE(source.watch(), "");
-}
-
 class ScenarioFile : public ::testing::Test {
  protected:
   void write(const std::string& yaml, const std::string& name = "scenario.yaml") { std::ofstream(dir / name) << yaml; }
@@ -107,18 +97,6 @@ TEST_F(SlicedSave, TheLoadAtStartIsWholeAndASaveIsAppliedInSlicesWithTheLoopFree
   EXPECT_LT(interfacesIn(store), 70u) << "one slice makes a few changes";
   EXPECT_GT(turnsToApply(*source), 10) << "the loop turned between the slices";
   EXPECT_EQ(interfacesIn(store), 200u);
-}
-
-TEST_F(SlicedSave, ALaterSaveReplacesWhatIsLeftOfAnEarlierOne) {
-  write("interfaces: {}\n");
-  auto source = watched();
-  write(interfaces(200));
-  Quor::activityManager()->runOnce(0.05);
-  ASSERT_TRUE(source->storePending());
-  write(interfaces(3));
-  turnsToApply(*source);
-  EXPECT_EQ(interfacesIn(store), 3u);
-  EXPECT_FALSE(store.intfStatusDir->intfStatus(Pelt::IntfId("Ethernet4")));
 }
 
 }  // namespace

@@ -150,15 +150,6 @@ TEST_F(KernelRead, Ipv4ReadWithoutIpExtValuesCommitsTheSnmpColumnsAndKeepsTheNet
   }
 }
 
-TEST_F(KernelRead, Ipv4ValuesLineCutShortRepeatsItsLastNumber) {
-  installIpv4("snmp-values-cut-short", "netstat-kernel");
-  EXPECT_EQ(ipv4->forwDatagrams(), 104u);
-  EXPECT_EQ(ipv4->inUnknownProtos(), 105u);
-  EXPECT_EQ(ipv4->inDiscards(), 105u);
-  EXPECT_EQ(ipv4->fragCreates(), 105u);
-  EXPECT_EQ(ipv4->inNoRoutes(), 201u) << "netstat is still read";
-}
-
 TEST_F(KernelRead, Ipv4ValueThatIsNotANumberCommitsWhatWasParsed) {
   installIpv4("snmp-value-not-a-number", "netstat-value-not-a-number");
   EXPECT_EQ(ipv4->forwDatagrams(), 104u);
@@ -177,16 +168,6 @@ TEST_F(KernelRead, Ipv6ReadFillsEveryNamedStatAndNoOther) {
   SwFwdStatsData onlyInReceives;
   onlyInReceives.inReceivesIs(6);
   EXPECT_EQ(read(Ip::ipVersion6)->data(), onlyInReceives);
-}
-
-TEST_F(KernelRead, Ipv6NameWithoutBlankRunsIntoTheNextLine) {
-  install("snmp6", "snmp6-kernel");
-  ipv6->doRead();
-  later();
-  install("snmp6", "snmp6-name-without-blank");
-  EXPECT_EQ(ipv6->outRequests(), 14u);
-  EXPECT_EQ(ipv6->inReceives(), 301u) << "neither of the first two lines found its counter";
-  EXPECT_EQ(ipv6->inDelivers(), 308u);
 }
 
 TEST_F(KernelRead, Ipv6BadValueEndsTheReadAfterItsLine) {
@@ -211,15 +192,6 @@ TEST_F(KernelRead, RecordWithinHalfASecondIsNotReadAgain) {
   EXPECT_EQ(ipv4->inReceives(), 501u);
   EXPECT_EQ(ipv4->outBcastPkts(), 606u);
   EXPECT_EQ(ipv4->lastUpdate(), 1000.5001);
-}
-
-TEST_F(KernelRead, FilePathIsFixedForTheLifeOfTheProcess) {
-  installIpv4("snmp-kernel-237", "netstat-kernel");
-  EXPECT_EQ(ipv4->inReceives(), 101u);
-  ::setenv("PROC_NET_SNMP", STATS_FIXTURES "/snmp-kernel-237-later", 1);
-  later();
-  EXPECT_EQ(ipv4->inReceives(), 101u);
-  ::setenv("PROC_NET_SNMP", path("snmp").c_str(), 1);
 }
 
 }  // namespace

@@ -7,13 +7,10 @@
 
 #include "MibTree.h"
 #include "AgentRequests.h"
-#include "Traces.h"
 #include "frontend/IpForward.h"
-#include "platform/quor/Trace.h"
 
 namespace {
 
-using TableTest::contains;
 
 // A list of varbinds freed with its owner.
 struct Varbinds {
@@ -137,24 +134,6 @@ TEST_F(IteratedTableFrameTest, StepAfterTheRowWasRemovedGoesToTheNextKey) {
   EXPECT_EQ(answeredDest(), "10.0.3.0");
 }
 
-TEST_F(IteratedTableFrameTest, WalkEndsAfterTheLastRow) {
-  first(nullptr);
-  ipCidrRouteTable_get_next_data_point(&loop, &data, index.list, &iinfo);
-  ipCidrRouteTable_get_next_data_point(&loop, &data, index.list, &iinfo);
-  std::ostringstream traces;
-  Quor::coverageStream_ = &traces;
-  EXPECT_EQ(ipCidrRouteTable_get_next_data_point(&loop, &data, index.list, &iinfo), nullptr);
-  Quor::coverageStream_ = nullptr;
-  EXPECT_TRUE(contains(traces.str(), "ipCidrRouteTableIterationHelper - iterator is at end"));
-  void* none = nullptr;
-  EXPECT_EQ(ipCidrRouteTable_get_next_data_point(&none, &data, index.list, &iinfo), nullptr);
-}
-
-TEST_F(IteratedTableFrameTest, EmptyTableHasNoFirstRow) {
-  tree.ipForwardMib->ipCidrRouteTableDelAll();
-  EXPECT_EQ(first(nullptr), nullptr);
-}
-
 // A GET of `column` on the row that `dataContext` pins, as the helper hands it to the handler.
 struct HandlerCall {
   HandlerCall(void* dataContext, unsigned int column) {
@@ -192,30 +171,6 @@ TEST_F(IteratedTableFrameTest, DataContextKeepsItsRowAfterRemovalAndLoopEnd) {
     EXPECT_EQ(IndexList::text(&get.varbind), "10.0.1.0");
   }
   ipCidrRouteTable_free_data_context(pinned, &iinfo);
-}
-
-TEST_F(IteratedTableFrameTest, HandlerWithoutDataContextLeavesTheRequest) {
-  HandlerCall get(nullptr, 1);
-  EXPECT_EQ(get.result, SNMP_ERR_NOERROR);
-  EXPECT_EQ(get.varbind.type, ASN_NULL);
-  EXPECT_EQ(get.request.status, 0);
-}
-
-TEST_F(IteratedTableFrameTest, UnknownColumnIsNoSuchObject) {
-  first(nullptr);
-  void* pinned = ipCidrRouteTable_make_data_context(loop, &iinfo);
-  {
-    HandlerCall get(pinned, 17);
-    EXPECT_EQ(get.result, SNMP_ERR_NOERROR);
-    EXPECT_EQ(get.varbind.type, SNMP_NOSUCHOBJECT);
-  }
-  ipCidrRouteTable_free_data_context(pinned, &iinfo);
-}
-
-TEST_F(IteratedTableFrameTest, TableWithoutContainerHasNoRows) {
-  iinfo.myvoid = nullptr;
-  EXPECT_EQ(first(nullptr), nullptr);
-  EXPECT_EQ(loop, nullptr);
 }
 
 }  // namespace

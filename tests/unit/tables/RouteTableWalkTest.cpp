@@ -92,20 +92,6 @@ TEST_F(RouteTableWalkTest, WalkFollowsTheKeyOrderAcrossEveryColumn) {
   EXPECT_EQ(oidsOf(agent.walk(table)), expectedWalk(*tree.ipForwardMib));
 }
 
-TEST_F(RouteTableWalkTest, BulkWalkReturnsTheSameVarbindsAsAWalk) {
-  TableTest::addRoutes(*tree.ipForwardMib, 23);
-  const std::vector<Oid> expected = expectedWalk(*tree.ipForwardMib);
-  // Seven repetitions make most answers cross a column boundary inside one request.
-  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 7)), expected);
-  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 50)), expected);
-}
-
-TEST_F(RouteTableWalkTest, WalkWithoutHintsGivesTheSameAnswers) {
-  TableTest::addRoutes(*tree.ipForwardMib, 9);
-  iteratorHintsEnabledIs(false);
-  EXPECT_EQ(oidsOf(agent.bulkWalk(table, 10)), expectedWalk(*tree.ipForwardMib));
-}
-
 // Counts the steps that the frame takes along the table while `run` requests.
 template <class Run>
 std::size_t stepsOf(Run run) {

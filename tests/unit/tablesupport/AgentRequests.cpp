@@ -68,14 +68,7 @@ bool isBelow(const Oid& name, const Oid& root) {
   return name.size() > root.size() && std::equal(root.begin(), root.end(), name.begin());
 }
 
-std::vector<std::string> namesOf(const std::vector<Varbind>& varbinds) {
-  std::vector<std::string> names;
-  for (const Varbind& v : varbinds) names.push_back(textOf(v.name));
-  return names;
-}
-
-Response AgentRequests::request(int command, const std::vector<Oid>& names, int maxRepetitions,
-                                const Varbind* setValue) const {
+Response AgentRequests::request(int command, const std::vector<Oid>& names, int maxRepetitions) const {
   netsnmp_session session{};
   session.version = SNMP_VERSION_2c;
   Exchange exchange;
@@ -90,13 +83,7 @@ Response AgentRequests::request(int command, const std::vector<Oid>& names, int 
     exchange.pdu->contextName = strdup(context_.c_str());
     exchange.pdu->contextNameLen = context_.size();
   }
-  for (const Oid& name : names) {
-    if (setValue)
-      snmp_pdu_add_variable(exchange.pdu, name.data(), name.size(), ASN_INTEGER, &setValue->integer,
-                            sizeof setValue->integer);
-    else
-      snmp_add_null_var(exchange.pdu, name.data(), name.size());
-  }
+  for (const Oid& name : names) snmp_add_null_var(exchange.pdu, name.data(), name.size());
   exchange.asp = init_agent_snmp_session(&session, exchange.pdu);
   const int status = handle_pdu(exchange.asp);
   Response response;
@@ -115,12 +102,6 @@ Response AgentRequests::getNext(const std::vector<Oid>& names) const { return re
 
 Response AgentRequests::getBulk(const Oid& name, int maxRepetitions) const {
   return request(SNMP_MSG_GETBULK, {name}, maxRepetitions);
-}
-
-Response AgentRequests::setInteger(const Oid& name, long value) const {
-  Varbind v;
-  v.integer = value;
-  return request(SNMP_MSG_SET, {name}, 0, &v);
 }
 
 std::vector<Varbind> AgentRequests::walk(const Oid& root) const {

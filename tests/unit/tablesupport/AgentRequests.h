@@ -40,7 +40,6 @@ class AgentRequests {
   Response getNext(const std::vector<Oid>& names) const;
   // One repeater, as snmpbulkwalk sends it; the response ends before the first endOfMibView.
   Response getBulk(const Oid& name, int maxRepetitions) const;
-  Response setInteger(const Oid& name, long value) const;
 
   // Every varbind that successive GETNEXTs (or GETBULKs of `maxRepetitions`) return below `root`,
   // each request starting after the last answer: a walk as snmpwalk (snmpbulkwalk) does it.
@@ -48,14 +47,11 @@ class AgentRequests {
   std::vector<Varbind> bulkWalk(const Oid& root, int maxRepetitions) const;
 
  private:
-  Response request(int command, const std::vector<Oid>& names, int maxRepetitions = 0,
-                   const Varbind* setValue = nullptr) const;
+  Response request(int command, const std::vector<Oid>& names, int maxRepetitions = 0) const;
   std::string context_;
 };
 
 // Whether `name` lies below `root`.
 bool isBelow(const Oid& name, const Oid& root);
-// The names of `varbinds` as text, in their order.
-std::vector<std::string> namesOf(const std::vector<Varbind>& varbinds);
 
 }  // namespace TableTest

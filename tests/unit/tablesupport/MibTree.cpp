@@ -41,10 +41,6 @@ MibTree::~MibTree() {
   SnmpUtil::rootIs(nullptr);
 }
 
-IpSnmp::IpMib& MibTree::vrfIpMib(const char* name) {
-  return *vrfMibs->mibsIs(Quor::Name(name))->ipmibIs(Quor::Name(std::string(name) + ".ipmib"));
-}
-
 IpSnmp::IpForwardMib& MibTree::vrfIpForwardMib(const char* name) {
   return *vrfMibs->mibsIs(Quor::Name(name))->ipforwardmibIs(Quor::Name(std::string(name) + ".ipforwardmib"));
 }

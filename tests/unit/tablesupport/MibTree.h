@@ -16,8 +16,7 @@ class MibTree {
   MibTree(const MibTree&) = delete;
   MibTree& operator=(const MibTree&) = delete;
 
-  // The containers of VRF `name` ("snmp/ip/vrf.mibs/<name>.ipmib" and ".ipforwardmib").
-  IpSnmp::IpMib& vrfIpMib(const char* name);
+  // The route container of VRF `name` ("snmp/ip/vrf.mibs/<name>.ipforwardmib").
   IpSnmp::IpForwardMib& vrfIpForwardMib(const char* name);
 
   Quor::Ptr<Quor::Dir> root;

@@ -68,25 +68,6 @@ TEST_F(ChangeDelivery, AReaderLappedByTheWriterStillSeesEveryChangedKey) {
   EXPECT_EQ(feed_.resyncs(), 1u);
 }
 
-TEST_F(ChangeDelivery, ASlotTakenOverByAnotherKeyDeliversTheKeyThatLeftAndTheOneThatCame) {
-  TarnTest::RawTable raw(path());
-  const U32 slot = raw.slotOf(2);
-  erase(2);
-  U64 other = 100;
-  for (;; ++other) {
-    put(other, 1);
-    Tarn::CellHeader& cell = raw.memory().current(slot);
-    U64 held;
-    std::memcpy(&held, Tarn::TableMemory::record(cell), sizeof held);
-    if (cell.state == U32(Tarn::SlotState::occupied) && held == other) break;
-    erase(other);
-    ASSERT_LT(other, 200000u) << "no key took the slot over";
-  }
-  auto keys = drain();
-  EXPECT_EQ(keys.count(2), 1u);
-  EXPECT_EQ(keys.count(other), 1u);
-}
-
 TEST_F(ChangeDelivery, ANewWriterIsReconciledSlotBySlotAndAReplacedFileDeliversOldAndNewKeys) {
   writer_ = nullptr;
   writer_ = writer(5000);
@@ -124,15 +105,6 @@ TEST_F(ChangeDelivery, DeliveryStopsAtTheDeadlineAndResumesWhereItStopped) {
   Quor::nowSourceIs(nullptr);
   EXPECT_GE(pumps, 3000 / 128 / 3 - 1);
   EXPECT_EQ(delivered.size(), 3000u);
-}
-
-TEST_F(ChangeDelivery, AReceiverCanStopThePump) {
-  put(3, 1);
-  put(4, 1);
-  int calls = 0;
-  EXPECT_FALSE(feed_.pump(*reader_, Quor::now() + 1, [&](const std::byte*) { return ++calls < 1; }));
-  EXPECT_EQ(calls, 1);
-  EXPECT_EQ(drain().size(), 1u);
 }
 
 }  // namespace

@@ -71,39 +71,6 @@ TEST_F(FecTable, FecsOfUpToFourViasTakeNoChunkAndLargerOnesReadBackWhole) {
   EXPECT_EQ(walked, written);
 }
 
-TEST_F(FecTable, MoreThan128ViasOrALongInterfaceNameAreRefusedAndChangeNothing) {
-  Tarn::Fib::FecWriter writer(path("fec"));
-  Fec fec = fecOfWrite(7, 1, 128);
-  EXPECT_THROW(fec.viaAdd({}), Quor::RangeException);
-  fec.viaCount = 129;
-  EXPECT_THROW(writer.put(fec), Quor::RangeException);
-  Fec longName = fecOfWrite(9, 1, 6);
-  longName.vias[5].intfId = Pelt::IntfId("Ethernet1/1/1.4094-with-a-long-tail");
-  EXPECT_THROW(writer.put(longName), Quor::RangeException);
-  EXPECT_EQ(writer.members(), 0u);
-  EXPECT_EQ(writer.chunks(), 0u);
-}
-
-TEST_F(FecTable, ChunksOfReplacedAndDeletedFecsAreReused) {
-  // Room for one FEC of 128 vias and the chunks of its next write, nothing more.
-  Tarn::Fib::FecWriter writer(path("fec"), 16, 16);
-  for (U32 write = 1; write <= 200; ++write) {
-    writer.put(fecOfWrite(7, write, write % 3 ? 128 : 20));
-    writer.commit();
-    EXPECT_LE(writer.chunks(), 8u);
-    if (write % 10 == 0) writer.erase(FecId(7));
-  }
-  EXPECT_EQ(writer.chunks(), 0u);
-  writer.put(fecOfWrite(7, 201, 128));
-  writer.put(fecOfWrite(8, 1, 128));
-  EXPECT_THROW(writer.put(fecOfWrite(7, 202, 128)), Quor::RangeException);  // no room for a rewrite
-  EXPECT_EQ(writer.chunks(), 16u);
-  writer.commit();
-  mount();
-  EXPECT_EQ(writeOf(read(7)), 201);
-  EXPECT_EQ(writeOf(read(8)), 1);
-}
-
 // A writer killed between a FEC's chunks and its record leaves chunks that no FEC names: the next
 // writer sweeps them. A chunk missing from under its FEC is corruption: the view detaches.
 TEST_F(FecTable, OrphanChunksAreSweptAndAMissingChunkIsCorruption) {

@@ -107,24 +107,4 @@ TEST_F(TableStorage, AWriterOfAnotherSizeRebuildsTheFileWithItsRecords) {
   EXPECT_EQ(w->members(), 1600u);
 }
 
-TEST_F(TableStorage, ARebuildTooSmallForTheRecordsIsRefusedAndTheFileKept) {
-  {
-    auto w = writer(100);
-    for (U64 k = 1; k <= 30; ++k) put(*w, k, 1);
-  }
-  auto old = reader();
-  EXPECT_THROW(writer(20), Quor::RangeException);
-  EXPECT_FALSE(old->unlinked());
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_.path()), {}), 1) << "the half-built file is left behind";
-  EXPECT_EQ(writer(30)->members(), 30u);
-}
-
-TEST_F(TableStorage, AReaderOfAnotherRecordTypeOrSizeIsRefused) {
-  writer().reset();
-  EXPECT_THROW(Tarn::TableReader::open(path(), "Other::Record", sizeof(U64), sizeof(CheckedRecord)),
-               Tarn::CorruptionDetectedException);
-  EXPECT_THROW(Tarn::TableReader::open(path(), TarnTest::checkedType, sizeof(U64), 8), Tarn::CorruptionDetectedException);
-  EXPECT_EQ(Tarn::TableReader::open(path("absent"), TarnTest::checkedType, sizeof(U64), sizeof(CheckedRecord)), nullptr);
-}
-
 }  // namespace
