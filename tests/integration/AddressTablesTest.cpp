@@ -1,9 +1,8 @@
 // ipAddrTable, ipAddressPrefixTable and ipAddressTable in the real snmpd, filled by the address
 // machines from a scenario file: every walk is the rows that the scenario's addresses imply, cell for
-// cell and in OID order across every column boundary, a bulk walk is the same walk, any GET or GETNEXT
-// gets the one right answer whatever its index, the RowPointer of an address leads to its prefix
-// row, a VRF's context shows that VRF's addresses, edits of the file while the agent runs show in the
-// next walk, and SET is refused.
+// cell and in OID order across every column boundary, a bulk walk is the same walk, the RowPointer of
+// an address leads to its prefix row, a VRF's context shows that VRF's addresses, edits of the file
+// while the agent runs show in the next walk, and every object the plug-in serves refuses SET.
 #include <gtest/gtest.h>
 
 #include "AgentUnderTest.h"
@@ -164,6 +163,31 @@ TEST_F(AddressTablesTest, PrefixPointerOfEachAddressLeadsToItsPrefixRow) {
   ASSERT_EQ(origins.size(), targets.size());
   for (std::size_t i = 0; i < origins.size(); ++i)
     EXPECT_EQ(lineOf(origins[i]), targets[i] + " = INTEGER: 1") << "from " << pointers[i].oid;
+}
+
+// Every object that the plug-in serves refuses a SET, whatever the value's type, in the default
+// context and in a VRF's; an instance that does not exist is refused too, and nothing changes.
+TEST_F(AddressTablesTest, SetOfEveryServedObjectIsRefused) {
+  for (const Credentials& who : {publicCommunity, Credentials::v3("red")}) {
+    std::vector<std::string> objects;
+    for (const std::string root : {".1.3.6.1.2.1.4", ".1.3.6.1.4.1.48213.3"})
+      for (const Varbind& vb : agent->tools().bulkWalk(who, root).varbinds) objects.push_back(vb.oid);
+    ASSERT_GT(objects.size(), 20u);
+    for (const std::string& oid : objects) {
+      for (const auto& [type, value] : {std::pair{"i", "2"}, {"s", "x"}}) {
+        ToolOutput refused = agent->tools().set(who, oid, type, value);
+        EXPECT_EQ(refused.error, "notWritable") << oid << " " << type << "\n" << refused.run.output;
+      }
+    }
+  }
+  const std::pair<std::string, std::string> absent[] = {{".1.3.6.1.2.1.4.1.1", "noCreation"},
+                                                        {ipAddressTable + ".1.3.1.4.10.9.9.9", "notWritable"},
+                                                        {".1.3.6.1.2.1.4.24.4.1.1.10.9.9.0.255.255.255.0.0.10.9.9.1",
+                                                         "notWritable"}};
+  for (const auto& [oid, error] : absent) EXPECT_EQ(agent->tools().set(publicCommunity, oid, "i", "1").error, error) << oid;
+  expectWalk(*agent, ipAddrTableOf(defaultVrfAddresses));
+  expectWalk(*agent, ipAddressTableOf(defaultVrfAddresses));
+  EXPECT_EQ(agent->tools().getOne(publicCommunity, ".1.3.6.1.2.1.4.1.0")->value, "1");
 }
 
 // The agent follows edits of the scenario file; the test has an agent of its own.

@@ -1,10 +1,8 @@
 // ipCidrRouteTable, ipCidrRouteNumber and ipNetToMediaTable in the real snmpd, filled by the route and
 // ARP machines from the shared-memory tables that the scenario file writes: one row per via of each
 // route and one per neighbour, in each context the VRF's own, every walk the rows that the scenario
-// implies, any GET or GETNEXT answered rightly whatever its index, edits of the file followed while the
-// agent runs, and SET refused.
+// implies, and edits of the file followed while the agent runs.
 #include <gtest/gtest.h>
-
 
 #include "AgentUnderTest.h"
 #include "ExpectedTable.h"

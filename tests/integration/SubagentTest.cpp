@@ -1,8 +1,7 @@
 // The agent as an AgentX sub-agent behind snmpd as master: for the same scenario it answers exactly
 // as the plug-in inside snmpd does, in the default context and in a VRF's, through SNMPv2c and v3;
 // and when its master dies and comes back, the sub-agent registers again, the VRF contexts with the
-// default one, and the same walks answer again; VRFs that came and went while the master was away
-// are served, or not, as they are when it returns.
+// default one, and the same walks answer again.
 #include <gtest/gtest.h>
 
 #include <algorithm>

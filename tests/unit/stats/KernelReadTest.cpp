@@ -1,5 +1,5 @@
 // Reading the kernel's counter files: the IPv4 read by position, the IPv6 read by name through the
-// perfect hash, the freshness rule, and what each failure commits or keeps. The files are fixtures
+// perfect hash, the freshness rule, and the last record kept through failures. The files are fixtures
 // copied to the paths that PROC_NET_SNMP, PROC_NET_NETSTAT and PROC_NET_SNMP6 name for this whole
 // process. (The read inside a VRF's namespace is the integration tests', against real namespaces.)
 #include <gtest/gtest.h>
@@ -135,31 +135,6 @@ TEST_F(KernelRead, FailuresBeforeTheCommitKeepTheLastRecordAndAreRetriedAtTheNex
   EXPECT_EQ(ipv4->inReceives(), 501u) << "no back-off, not even at the same instant";
 }
 
-TEST_F(KernelRead, Ipv4ReadWithoutIpExtValuesCommitsTheSnmpColumnsAndKeepsTheNetstatOnes) {
-  // One IpExt line only, or a line beginning with a blank, which fails the scan before the values.
-  for (const char* netstat : {"netstat-one-ipext-line", "netstat-line-starts-with-blank"}) {
-    installIpv4("snmp-kernel-237", "netstat-kernel");
-    ipv4->doRead();
-    later();
-    installIpv4("snmp-kernel-237-later", netstat);
-    EXPECT_EQ(ipv4->inReceives(), 501u) << netstat;
-    EXPECT_EQ(ipv4->fragCreates(), 517u) << netstat;
-    EXPECT_EQ(ipv4->inNoRoutes(), 201u) << netstat;
-    EXPECT_EQ(ipv4->outBcastPkts(), 206u) << netstat;
-    EXPECT_EQ(ipv4->lastUpdate(), clockTime) << netstat;
-  }
-}
-
-TEST_F(KernelRead, Ipv4ValueThatIsNotANumberCommitsWhatWasParsed) {
-  installIpv4("snmp-value-not-a-number", "netstat-value-not-a-number");
-  EXPECT_EQ(ipv4->forwDatagrams(), 104u);
-  EXPECT_EQ(ipv4->inUnknownProtos(), 0u);
-  EXPECT_EQ(ipv4->fragCreates(), 0u);
-  EXPECT_EQ(ipv4->inTruncatedPkts(), 202u);
-  EXPECT_EQ(ipv4->inMcastPkts(), 0u);
-  EXPECT_EQ(ipv4->lastUpdate(), 1000.0);
-}
-
 TEST_F(KernelRead, Ipv6ReadFillsEveryNamedStatAndNoOther) {
   install("snmp6", "snmp6-kernel");
   EXPECT_EQ(read(Ip::ipVersion6)->data(), ipv6Record()) << "each of the 65 other stats of the file is skipped";
@@ -168,17 +143,6 @@ TEST_F(KernelRead, Ipv6ReadFillsEveryNamedStatAndNoOther) {
   SwFwdStatsData onlyInReceives;
   onlyInReceives.inReceivesIs(6);
   EXPECT_EQ(read(Ip::ipVersion6)->data(), onlyInReceives);
-}
-
-TEST_F(KernelRead, Ipv6BadValueEndsTheReadAfterItsLine) {
-  install("snmp6", "snmp6-kernel");
-  ipv6->doRead();
-  later();
-  install("snmp6", "snmp6-value-not-a-number");
-  EXPECT_EQ(ipv6->inReceives(), 12u);
-  EXPECT_EQ(ipv6->inDelivers(), 0u) << "the failed extraction is still written";
-  EXPECT_EQ(ipv6->outRequests(), 309u) << "the line behind it is not read";
-  EXPECT_EQ(ipv6->lastUpdate(), 1001.0);
 }
 
 TEST_F(KernelRead, RecordWithinHalfASecondIsNotReadAgain) {

@@ -65,12 +65,6 @@ std::vector<Oid> walkFrom(const TableTest::AgentRequests& agent, Oid position, A
   }
 }
 
-std::vector<Oid> oidsOf(const std::vector<TableTest::Varbind>& varbinds) {
-  std::vector<Oid> names;
-  for (const auto& v : varbinds) names.push_back(v.name);
-  return names;
-}
-
 class RouteTableWalkTest : public ::testing::Test {
  protected:
   void SetUp() override { init_IpForward(""); }
@@ -82,15 +76,6 @@ class RouteTableWalkTest : public ::testing::Test {
   TableTest::MibTree tree;
   TableTest::AgentRequests agent;
 };
-
-TEST_F(RouteTableWalkTest, WalkFollowsTheKeyOrderAcrossEveryColumn) {
-  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 16, "192.0.2.1");
-  TableTest::addRoute(*tree.ipForwardMib, "0.0.0.0", 0, "192.0.2.254");
-  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.1");
-  TableTest::addRoute(*tree.ipForwardMib, "10.1.0.0", 24, "192.0.2.0");
-  TableTest::addRoute(*tree.ipForwardMib, "172.16.0.0", 12, "192.0.2.9");
-  EXPECT_EQ(oidsOf(agent.walk(table)), expectedWalk(*tree.ipForwardMib));
-}
 
 // Counts the steps that the frame takes along the table while `run` requests.
 template <class Run>

@@ -70,20 +70,6 @@ TEST_F(Corruption, EachDamageIsFoundNamedAndNeverRead) {
   }
 }
 
-TEST_F(Corruption, AFileCutShortIsRefusedAtOpen) {
-  ASSERT_EQ(::truncate(path().c_str(), 4096), 0);
-  EXPECT_THROW(reader(), Tarn::CorruptionDetectedException);
-}
-
-TEST_F(Corruption, ASlotThatNeverSettlesIsGivenUpAfterBoundedRetries) {
-  Tarn::SlotControl& control = raw_->memory().control(raw_->slotOf(4));
-  control.begun.store(control.published.load() + 7);
-  CheckedRecord out;
-  U64 key = 4;
-  EXPECT_THROW(reader_->lookup(&key, &out), Tarn::CorruptionDetectedException);
-  EXPECT_EQ(reader_->counters().retries, U64(Tarn::TableReader::maxReadAttempts));
-}
-
 // A writer killed between announcing and publishing a write leaves the previous copy current.
 TEST_F(Corruption, AWriteThatNeverFinishedLeavesThePreviousRecord) {
   U32 slot = raw_->slotOf(4);

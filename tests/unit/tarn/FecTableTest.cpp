@@ -71,35 +71,6 @@ TEST_F(FecTable, FecsOfUpToFourViasTakeNoChunkAndLargerOnesReadBackWhole) {
   EXPECT_EQ(walked, written);
 }
 
-// A writer killed between a FEC's chunks and its record leaves chunks that no FEC names: the next
-// writer sweeps them. A chunk missing from under its FEC is corruption: the view detaches.
-TEST_F(FecTable, OrphanChunksAreSweptAndAMissingChunkIsCorruption) {
-  Tarn::Fib::FecWriter(path("fec")).put(fecOfWrite(7, 1, 40));
-  auto chunkFile = [&] {
-    return Tarn::TableWriter(path("fec.chunks"), Tarn::Fib::FecCodec::chunkType,
-                             Tarn::Fib::fecChunkGeometry(Tarn::Fib::FecWriter::defaultMaxChunks));
-  };
-  Tarn::Fib::FecChunkRecord orphan{};
-  orphan.fecId = 9;
-  orphan.stamp = 1;
-  chunkFile().put(&orphan);
-  EXPECT_EQ(Tarn::Fib::FecWriter(path("fec")).chunks(), 3u);
-  {
-    Tarn::TableWriter chunks = chunkFile();
-    std::vector<Tarn::Fib::FecChunkRecord> all;
-    chunks.forEachRecord([&](const void* r) { all.push_back(*static_cast<const Tarn::Fib::FecChunkRecord*>(r)); });
-    ASSERT_EQ(all.size(), 3u);
-    chunks.erase(&all[1]);
-  }
-  mount();
-  const auto& view = status_->fec();
-  const std::string failure = TestSupport::failureOf([&] { view.lookup(FecId(7)); });
-  EXPECT_NE(failure.find("other parts are missing"), std::string::npos) << failure;
-  view.corruptionDetected(failure);
-  EXPECT_EQ(view.mountStatus(), Tarn::MountStatus::awaitingFile);
-  EXPECT_EQ(read(7), Fec());
-}
-
 TEST_F(FecTable, ReadersNeverCombineTwoWritesOfAFecWhileAnotherProcessRewritesIt) {
   { Tarn::Fib::FecWriter create(path("fec"), 16, 64); }
   pid_t writer = ::fork();

@@ -94,18 +94,4 @@ TEST_F(ReverseMapping, TheMapIsTheInverseOfTheTableAfterEachHistory) {
   }
 }
 
-TEST_F(ReverseMapping, AnotherTableReplacesTheMapAndAnUnmountEmptiesIt) {
-  writeTable(status_, {{7, "red"}, {8, "blue"}});
-  follow();
-  auto other = table();
-  writeTable(other, {{8, "blue"}, {9, "red"}});
-  mapper_->newStatus(other);
-  EXPECT_EQ(idOf("red"), 9);
-  EXPECT_EQ(idOf("blue"), 8);
-  writeTable(status_, {{10, "green"}});
-  EXPECT_EQ(idOf("green"), -1) << "the old table is no longer followed";
-  other->unmount();
-  EXPECT_TRUE(map_->vrfNameToIds().empty());
-}
-
 }  // namespace

@@ -53,15 +53,6 @@ TEST_F(TableStorage, ChurnOfDistinctKeysKeepsLookupsAndWalksTrue) {
   EXPECT_EQ(TarnTest::differences(TarnTest::contentOf(*r), model), "");
 }
 
-TEST_F(TableStorage, AFullTableRefusesANewKeyButTakesUpdates) {
-  auto w = writer(20);
-  for (U64 k = 0; k < 20; ++k) put(*w, k, 1);
-  CheckedRecord extra = CheckedRecord::make(99, 1);
-  EXPECT_THROW(w->put(&extra), Quor::RangeException);
-  put(*w, 5, 2);
-  EXPECT_EQ(versionOf(*reader(), 5), 2u);
-}
-
 TEST_F(TableStorage, ANewWriterTakesTheFileOverWithItsRecordsAndANewGeneration) {
   U64 generation;
   {
@@ -75,15 +66,6 @@ TEST_F(TableStorage, ANewWriterTakesTheFileOverWithItsRecordsAndANewGeneration) 
   EXPECT_EQ(r->generation(), generation + 1);
   EXPECT_EQ(versionOf(*r, 1), 10u);
   EXPECT_EQ(w->members(), 1u);
-}
-
-TEST_F(TableStorage, AFreshWriterReplacesTheFileAndOldReadersKeepTheirView) {
-  put(*writer(), 1, 10);
-  auto old = reader();
-  auto w = writer(1000, true);
-  EXPECT_TRUE(old->unlinked());
-  EXPECT_EQ(versionOf(*old, 1), 10u);
-  EXPECT_EQ(versionOf(*reader(), 1), std::nullopt);
 }
 
 // Readers move to the rebuilt file as soon as it is in place: it must hold what the old one held.
