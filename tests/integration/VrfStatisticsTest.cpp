@@ -1,7 +1,8 @@
 // oskelSwFwdIpStatsTable of a VRF in the real snmpd, against a real network namespace ns-<vrf> that
 // each test makes with ip(8) and gives loopback traffic of its own: the VRF's context shows that
-// namespace's counters, the default context the host's, snmpd stays in its own namespace, and the
-// counters of a row come from one read per half second.
+// namespace's counters, the default context the host's, and snmpd stays in its own namespace, also
+// when the VRF's namespace is deleted under reads. (One read per half second is the kernel read's
+// unit test.)
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -192,22 +193,6 @@ TEST_F(VrfStatisticsTest, SnmpdStaysInItsOwnNamespaceAlsoWhenTheVrfsNamespaceIsD
   EXPECT_TRUE(agent->running());
   EXPECT_EQ(fs::read_symlink(procNs), fs::read_symlink("/proc/self/ns/net"));
   EXPECT_EQ(agent->tools().getOne(vrfContext, ".1.3.6.1.2.1.4.1.0").value_or(Varbind{}).value, "1");
-}
-
-// The default context's counters move with every request the test sends, yet a second request
-// within half a second is answered from the first one's read.
-TEST_F(VrfStatisticsTest, DefaultRowAskedTwiceWithinHalfASecondComesFromOneRead) {
-  for (int attempt = 0; attempt < 3; ++attempt) {
-    waitPastFreshness();
-    const auto start = std::chrono::steady_clock::now();
-    const unsigned long long first = row(defaultContext, {3})[0];
-    const unsigned long long second = row(defaultContext, {4})[0];
-    if (std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(450)) continue;
-    EXPECT_GT(hostCounters().at("InReceives") % (1ull << 32), first) << "the host's counter moved in between";
-    EXPECT_EQ(second % (1ull << 32), first);
-    return;
-  }
-  GTEST_SKIP() << "two requests did not fit into half a second on this machine";
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The scenario source: the embedded default when no file is named, a file that is watched and
+// The scenario source: a missing file named in its error, a file that is watched and
 // applied again when it is saved in place, and saves applied in slices that leave the event loop
 // free between them. (Saves by rename and refused saves are the integration tests', through snmpd.)
 #include <gtest/gtest.h>

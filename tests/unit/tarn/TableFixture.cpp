@@ -59,7 +59,7 @@ void put(Tarn::TableWriter& w, U64 key, U64 version) {
   w.put(&r);
 }
 
-RawTable::RawTable(const std::string& path) : path_(path), fd_(::open(path.c_str(), O_RDWR)) {
+RawTable::RawTable(const std::string& path) : fd_(::open(path.c_str(), O_RDWR)) {
   struct stat st;
   if (!fd_ || ::fstat(fd_.get(), &st) != 0) Tarn::throwSystemError("open", path);
   mapping_ = Tarn::Mapping(fd_.get(), static_cast<std::size_t>(st.st_size), true);
@@ -76,16 +76,6 @@ U32 RawTable::slotOf(U64 key) {
   }
   ADD_FAILURE() << "key " << key << " not in the table";
   return 0;
-}
-
-void RawTable::announce(U32 slot) {
-  Tarn::FileHeader& h = header();
-  const U64 head = h.logHead.load();
-  memory_.logEntry(head, geometry_.logCapacity).store(Tarn::TableMemory::logEntryValue(head, slot));
-  h.logHead.store(head + 1);
-  const U64 ring = h.doorbell + 1;
-  if (::pwrite(fd_.get(), &ring, sizeof ring, offsetof(Tarn::FileHeader, doorbell)) != sizeof ring)
-    Tarn::throwSystemError("pwrite", path_);
 }
 
 }  // namespace TarnTest

@@ -60,11 +60,8 @@ class RawTable {
   // The slot that holds `key` now, and its current record.
   U32 slotOf(U64 key);
   std::byte* recordOf(U64 key) { return Tarn::TableMemory::record(memory_.current(slotOf(key))); }
-  // Names `slot` in the change log and wakes the readers, as a writer does after a write.
-  void announce(U32 slot);
 
  private:
-  std::string path_;
   Tarn::FileDescriptor fd_;
   Tarn::Mapping mapping_;
   Tarn::TableGeometry geometry_;
