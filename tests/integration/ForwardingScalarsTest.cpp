@@ -60,29 +60,24 @@ class ForwardingScalarsTest : public AgentTest {
   }
 };
 
-// Each scalar is 1 while its routing is on and 2 while it is off, and follows edits of the scenario.
-TEST_F(ForwardingScalarsTest, EachScalarFollowsItsOwnRoutingSwitch) {
-  ASSERT_NO_FATAL_FAILURE(start(scenario(true, false)));
+// Each scalar is 1 while its routing is on and 2 while it is off, and follows edits of the scenario;
+// a VRF's context answers ipForwarding from the VRF's own routing and has no ipv6IpForwarding.
+TEST_F(ForwardingScalarsTest, EachScalarFollowsItsOwnRoutingSwitchInEachContext) {
+  ASSERT_NO_FATAL_FAILURE(start(scenario(true, false, {{"red", false}, {"blue", true}})));
   EXPECT_EQ(valueOf(publicCommunity, ipForwarding), "1");
   EXPECT_EQ(valueOf(defaultContextV3, ipForwarding), "1");
   EXPECT_EQ(valueOf(publicCommunity, ipv6IpForwarding), "2");
-
-  agent->scenarioIs(scenario(false, true));
-  EXPECT_TRUE(eventually([&] { return valueOf(publicCommunity, ipForwarding) == "2"; }))
-      << "ipForwarding did not follow the edit of the scenario";
-  EXPECT_EQ(valueOf(publicCommunity, ipv6IpForwarding), "1");
-  EXPECT_TRUE(agent->running());
-}
-
-TEST_F(ForwardingScalarsTest, VrfContextAnswersFromTheVrfsRoutingConfiguration) {
-  ASSERT_NO_FATAL_FAILURE(start(scenario(true, true, {{"red", false}, {"blue", true}})));
   EXPECT_EQ(valueOf(Credentials::v2c("public@red"), ipForwarding), "2");
   EXPECT_EQ(valueOf(Credentials::v3("red"), ipForwarding), "2");
   EXPECT_EQ(valueOf(Credentials::v2c("public@blue"), ipForwarding), "1");
   EXPECT_EQ(valueOf(Credentials::v3("red"), ipv6IpForwarding), "noSuchObject");
 
-  agent->scenarioIs(scenario(true, true, {{"red", true}, {"blue", true}}));
+  agent->scenarioIs(scenario(false, true, {{"red", true}, {"blue", true}}));
+  EXPECT_TRUE(eventually([&] { return valueOf(publicCommunity, ipForwarding) == "2"; }))
+      << "ipForwarding did not follow the edit of the scenario";
+  EXPECT_EQ(valueOf(publicCommunity, ipv6IpForwarding), "1");
   EXPECT_TRUE(eventually([&] { return valueOf(Credentials::v3("red"), ipForwarding) == "1"; }));
+  EXPECT_TRUE(agent->running());
 }
 
 // snmpd unloads and loads the plug-in when it reloads its configuration: nothing of the old library
