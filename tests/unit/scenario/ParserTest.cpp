@@ -1,6 +1,6 @@
 // A scenario file is checked whole before anything is applied, and its first problem is reported
-// once, as "<file>:<line>: <problem>": that line is what the operator reads in the log. What passes
-// is read with the defaults the format documents.
+// once, as "<file>:<line>: <problem>": that line is what the operator reads in the log. The format's
+// complete example is accepted whole.
 #include <gtest/gtest.h>
 
 #include <fstream>

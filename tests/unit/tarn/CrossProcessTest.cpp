@@ -1,7 +1,7 @@
 // A writer in another process and a reader in the event loop: records are read whole while they
 // change, the reader ends up knowing every change, also while the table grows, and a writer killed
-// mid-batch harms nothing. (A table that appears late and a damaged record reach the reader through
-// the views of ViewsTest and the agent of FaultInjectionTest.)
+// mid-batch harms nothing. (A damaged record reaches the reader through the agent of
+// FaultInjectionTest.)
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // The forwarding table: FECs of up to 4 vias in one record, larger ones with chunks beside it, read
-// whole even while a writer in another process rewrites them, and chunk room that deletions give back.
+// whole even while a writer in another process rewrites them.
 #include <sys/wait.h>
 #include <unistd.h>
 

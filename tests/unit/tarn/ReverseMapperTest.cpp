@@ -1,6 +1,6 @@
 // The reverse mapper: the name-to-id map stays the inverse of the VRF-id table through additions,
-// renames, removals, names that move between ids and a change of table, and its reactors read the
-// new state when they are told.
+// renames, removals and names that move between ids, and its reactors read the new state when they
+// are told.
 #include <map>
 #include <vector>
 

@@ -1,5 +1,5 @@
 // Records by key in a table file: what a writer puts, a reader finds, whatever churn came before, and
-// what a second writer, a fresh one or one of another size makes of the file.
+// what a second writer or one of another size makes of the file.
 #include <filesystem>
 #include <iterator>
 #include <map>
