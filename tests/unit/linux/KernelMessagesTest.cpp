@@ -39,6 +39,17 @@ class Message {
   nlmsghdr* header_ = nullptr;
 };
 
+// The start of a message for a unicast route of the main table to 10.9.0.0/16.
+void startRouteTo10_9(Message& m, U8 protocol) {
+  auto* rtm = m.start<rtmsg>(RTM_NEWROUTE);
+  rtm->rtm_family = AF_INET;
+  rtm->rtm_dst_len = 16;
+  rtm->rtm_table = RT_TABLE_MAIN;
+  rtm->rtm_protocol = protocol;
+  rtm->rtm_type = RTN_UNICAST;
+  m.ipv4(RTA_DST, "10.9.0.0");
+}
+
 TEST(KernelMessages, LinkCarriesIndexNameKindAndFlags) {
   Message m;
   auto* ifi = m.start<ifinfomsg>(RTM_NEWLINK);
@@ -99,13 +110,7 @@ TEST(KernelMessages, Ipv6AddressComesFromIfaAddress) {
 
 TEST(KernelMessages, MultipathRouteKeepsEveryIpv4NextHop) {
   Message m;
-  auto* rtm = m.start<rtmsg>(RTM_NEWROUTE);
-  rtm->rtm_family = AF_INET;
-  rtm->rtm_dst_len = 16;
-  rtm->rtm_table = RT_TABLE_MAIN;
-  rtm->rtm_protocol = RTPROT_BOOT;
-  rtm->rtm_type = RTN_UNICAST;
-  m.ipv4(RTA_DST, "10.9.0.0");
+  startRouteTo10_9(m, RTPROT_BOOT);
   mnl_attr_put_u32(m.header(), RTA_PRIORITY, 20);
   nlattr* paths = mnl_attr_nest_start(m.header(), RTA_MULTIPATH);
   auto addHop = [&](int ifIndex, const char* gateway, bool viaIpv6) {
@@ -214,13 +219,7 @@ TEST(KernelMessages, RouteWaitsForItsNexthopObject) {
   model.message(*link.header());
 
   Message route;
-  auto* rtm = route.start<rtmsg>(RTM_NEWROUTE);
-  rtm->rtm_family = AF_INET;
-  rtm->rtm_dst_len = 16;
-  rtm->rtm_table = RT_TABLE_MAIN;
-  rtm->rtm_protocol = RTPROT_BGP;
-  rtm->rtm_type = RTN_UNICAST;
-  route.ipv4(RTA_DST, "10.9.0.0");
+  startRouteTo10_9(route, RTPROT_BGP);
   mnl_attr_put_u32(route.header(), RTA_NH_ID, 9);
   model.message(*route.header());
   const Pelt::Prefix prefix("10.9.0.0/16");
