@@ -137,9 +137,10 @@ void NamespaceRoutes::handleNexthop(const KernelNexthopObject& object, bool pres
     dropNexthop(object.id);
     return;
   }
+  // A dump lists groups before members of higher ids; an event's members are always known.
   for (U32 member : object.members) {
     auto it = nexthops_.find(member);
-    if (it == nexthops_.end() || it->second.isGroup())
+    if (!changes_.all && (it == nexthops_.end() || it->second.isGroup()))
       QTRACE(tracer, 1, "group " << object.id << " in VRF " << vrf_ << " holds " << member
                                  << ", not a known nexthop: that member is left out");
   }
