@@ -4,24 +4,13 @@
 
 namespace IpSnmp {
 
-ArpTableSm::ArpTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                       const Quor::Ptr<IpMib>& ipMib, const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-                       Vrf::VrfIdMap::VrfId arpTarnVrfId)
-    : arpTarn_(arpTarn), arpTarnVrfId_(arpTarnVrfId) {
-  if (intfStatusDir) {
-    intfStatusDir_ = Quor::makePtr<QuorIntfStatusDir>();
-    intfStatusDir_->notifierIs(intfStatusDir);
-  }
-  if (ipMib) ipMib_ = Quor::makePtr<QuorIpMib>(ipMib);
-}
+ArpTableSm::ArpTableSm(const Inputs& inputs)
+    : intfStatusDir_(Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir)),
+      ipMib_(Quor::makePtr<QuorIpMib>(inputs.ipMib)),
+      arpTarn_(inputs.arpTarn),
+      arpTarnVrfId_(inputs.arpTarnVrfId) {}
 
 ArpTableSm::~ArpTableSm() { quorDoZombieReactors(true); }
-
-Quor::Ptr<const Interface::AllIntfStatusDir> ArpTableSm::intfStatusDir() const {
-  return intfStatusDir_ ? intfStatusDir_->notifier() : nullptr;
-}
-
-Quor::Ptr<IpMib> ArpTableSm::ipMib() const { return ipMib_ ? ipMib_->table() : nullptr; }
 
 void ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId arpTarnVrfId) {
   IPSNMP_HANDLER("void IpSnmp::ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId)");
@@ -92,8 +81,8 @@ void ArpTableSm::populate() {
 }
 
 void ArpTableSm::quorZombieNested(bool flag) {
-  if (intfStatusDir_) intfStatusDir_->quorDoZombieReactors(flag);
-  if (ipMib_) ipMib_->quorDoZombieReactors(flag);
+  intfStatusDir_->quorDoZombieReactors(flag);
+  ipMib_->quorDoZombieReactors(flag);
 }
 
 }  // namespace IpSnmp

@@ -25,14 +25,21 @@ class ArpTableSm : public Quor::Reactor {
   class QuorIntfStatusDir final : public Interface::AllIntfStatusDir::NotifieeConst {};
   using QuorIpMib = QuorOutputTable<IpMib>;
 
-  // Stores its parameters and reads nothing yet.
-  ArpTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir, const Quor::Ptr<IpMib>& ipMib,
-             const Quor::Ptr<const Arp::Table::Status>& arpTarn, Vrf::VrfIdMap::VrfId arpTarnVrfId);
+  struct Inputs {
+    Quor::ValidPtr<const Interface::AllIntfStatusDir> intfStatusDir;
+    Quor::ValidPtr<IpMib> ipMib;
+    Quor::ValidPtr<const Arp::Table::Status> arpTarn;
+    Vrf::VrfIdMap::VrfId arpTarnVrfId;
+    friend bool operator==(const Inputs&, const Inputs&) = default;
+  };
+
+  // Stores its inputs and reads nothing yet.
+  explicit ArpTableSm(const Inputs& inputs);
   // Leaves the rows of arpTable in place.
   ~ArpTableSm() override;
 
-  Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir() const;
-  Quor::Ptr<IpMib> ipMib() const;
+  const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir() const noexcept { return intfStatusDir_->notifier(); }
+  const Quor::Ptr<IpMib>& ipMib() const noexcept { return ipMib_->table(); }
   const Quor::Ptr<const Arp::Table::Status>& arpTarn() const noexcept { return arpTarn_; }
   Vrf::VrfIdMap::VrfId arpTarnVrfId() const noexcept { return arpTarnVrfId_; }
   // From unknown to known populates; to unknown keeps the rows; from known to another known does

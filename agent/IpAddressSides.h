@@ -1,13 +1,21 @@
 #pragma once
 // What differs between the configuration and the status side of the address machine, for each IP
 // version: the store entities followed, the source that their occurrences carry, how the address and
-// the L3 object are read, and the signatures that the reactors trace. The reactors themselves are
-// one template per IP version (IpAddressTableSm.h), instantiated once per side.
+// the L3 object are read, and the names of the side's reactor and member in traces and failures. The
+// reactors themselves are one template per IP version (IpAddressTableSm.h), instantiated once per side.
+#include <string>
+
+#include "agent/AgentTrace.h"
 #include "model/Enums.h"
 #include "platform/morvane/Ip6Intf.h"
 #include "platform/morvane/IpIntf.h"
 
 namespace IpSnmp::AddressSide {
+
+// "void IpSnmp::IpAddressTableSm::<reactor>::<handler>", the label of a side's handler in traces.
+std::string handlerSignature(const char* reactor, const char* handler);
+// The range failure of a null entity handed to the mutator of a side's reactors.
+std::string nullEntityText(const char* member);
 
 struct Ip4Config {
   using Input = Ip::Config;
@@ -24,12 +32,8 @@ struct Ip4Config {
   // The early exit of handleVrf: only the empty name, so a repeated name deletes and adds again.
   static bool staysFor(const L3::VrfName& vrf, const L3::VrfName&) { return vrf.empty(); }
 
-  static constexpr const char* nullReactorText =
-      "null _ipIntfConfig parameter to mutator for IpSnmp::IpAddressTableSm::ipIntfConfig not allowed\"";
-  static constexpr const char* handleAddrSignature = "void IpSnmp::IpAddressTableSm::QuorIpIntfConfig::handleAddr()";
-  static constexpr const char* handleDelSignature = "void IpSnmp::IpAddressTableSm::QuorIpIntfConfig::handleDel()";
-  static constexpr const char* handleVrfSignature =
-      "void IpSnmp::IpAddressTableSm::QuorIpIntfConfig::handleVrf(L3::VrfName)";
+  static constexpr const char* member = "ipIntfConfig";
+  static constexpr const char* reactor = "QuorIpIntfConfig";
 };
 
 struct Ip4Status {
@@ -46,12 +50,8 @@ struct Ip4Status {
   // The early exit of handleVrf: the VRF that the address already stands in.
   static bool staysFor(const L3::VrfName& vrf, const L3::VrfName& currentVrf) { return vrf == currentVrf; }
 
-  static constexpr const char* nullReactorText =
-      "null _ipIntfStatus parameter to mutator for IpSnmp::IpAddressTableSm::ipIntfStatus not allowed\"";
-  static constexpr const char* handleAddrSignature = "void IpSnmp::IpAddressTableSm::QuorIpIntfStatus::handleAddr()";
-  static constexpr const char* handleDelSignature = "void IpSnmp::IpAddressTableSm::QuorIpIntfStatus::handleDel()";
-  static constexpr const char* handleVrfSignature =
-      "void IpSnmp::IpAddressTableSm::QuorIpIntfStatus::handleVrf(L3::VrfName)";
+  static constexpr const char* member = "ipIntfStatus";
+  static constexpr const char* reactor = "QuorIpIntfStatus";
 };
 
 struct Ip6Config {
@@ -62,12 +62,8 @@ struct Ip6Config {
   static Quor::Ptr<const Entity> entity(const Input& input, Pelt::IntfId id) { return input.intf(id); }
   static const Input::Members& entities(const Input& input) { return input.intfs(); }
 
-  static constexpr const char* nullReactorText =
-      "null _ip6IntfConfig parameter to mutator for IpSnmp::IpAddressTableSm::ip6IntfConfig not allowed\"";
-  static constexpr const char* handleAddrKeySignature =
-      "void IpSnmp::IpAddressTableSm::QuorIp6IntfConfig::handleAddr(const Pelt::Ip6AddrWithMask&)";
-  static constexpr const char* handleAddrSignature = "void IpSnmp::IpAddressTableSm::QuorIp6IntfConfig::handleAddr()";
-  static constexpr const char* handleDelSignature = "void IpSnmp::IpAddressTableSm::QuorIp6IntfConfig::handleDel()";
+  static constexpr const char* member = "ip6IntfConfig";
+  static constexpr const char* reactor = "QuorIp6IntfConfig";
 };
 
 struct Ip6Status {
@@ -78,12 +74,13 @@ struct Ip6Status {
   static Quor::Ptr<const Entity> entity(const Input& input, Pelt::IntfId id) { return input.intf(id); }
   static const Input::Members& entities(const Input& input) { return input.intfs(); }
 
-  static constexpr const char* nullReactorText =
-      "null _ip6IntfStatus parameter to mutator for IpSnmp::IpAddressTableSm::ip6IntfStatus not allowed\"";
-  static constexpr const char* handleAddrKeySignature =
-      "void IpSnmp::IpAddressTableSm::QuorIp6IntfStatus::handleAddr(const Pelt::Ip6AddrWithMask&)";
-  static constexpr const char* handleAddrSignature = "void IpSnmp::IpAddressTableSm::QuorIp6IntfStatus::handleAddr()";
-  static constexpr const char* handleDelSignature = "void IpSnmp::IpAddressTableSm::QuorIp6IntfStatus::handleDel()";
+  static constexpr const char* member = "ip6IntfStatus";
+  static constexpr const char* reactor = "QuorIp6IntfStatus";
 };
 
 }  // namespace IpSnmp::AddressSide
+
+// Opens the handler `handler` of side S in the in-memory trace, and names its label `signature`.
+#define IPSNMP_SIDE_HANDLER(S, handler)                                                                 \
+  static const std::string signature = ::IpSnmp::AddressSide::handlerSignature(S::reactor, handler); \
+  IPSNMP_HANDLER(signature.c_str())

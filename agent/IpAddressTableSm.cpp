@@ -9,33 +9,14 @@
 
 namespace IpSnmp {
 
-IpAddressTableSm::IpAddressTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                   const Quor::ValidPtr<IpMib>& ipMib, const Quor::Ptr<const Ip::Config>& config,
-                                   const Quor::Ptr<const Ip::Status>& status,
-                                   const Quor::Ptr<const Ip6::Config>& config6,
-                                   const Quor::Ptr<const Ip6::Status>& status6)
-    : ipMib_(ipMib) {
-  // Each input reactor's replay is its first pass: configuration before status, IPv4 before IPv6.
-  if (intfStatusDir) {
-    intfStatusDir_ = Quor::makePtr<QuorIntfStatusDir>(this);
-    intfStatusDir_->notifierIs(intfStatusDir);
-  }
-  if (config) {
-    config_ = Quor::makePtr<QuorConfig>(this);
-    config_->notifierIs(config);
-  }
-  if (status) {
-    status_ = Quor::makePtr<QuorStatus>(this);
-    status_->notifierIs(status);
-  }
-  if (config6) {
-    config6_ = Quor::makePtr<QuorConfig6>(this);
-    config6_->notifierIs(config6);
-  }
-  if (status6) {
-    status6_ = Quor::makePtr<QuorStatus6>(this);
-    status6_->notifierIs(status6);
-  }
+// Each input reactor's replay is its first pass: configuration before status, IPv4 before IPv6.
+// The reactors are made once every member stands, since their replays fill the members.
+IpAddressTableSm::IpAddressTableSm(const Inputs& inputs) : ipMib_(inputs.ipMib) {
+  intfStatusDir_ = Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir, this);
+  config_ = Quor::reactorOn<QuorConfig>(inputs.config, this);
+  status_ = Quor::reactorOn<QuorStatus>(inputs.status, this);
+  config6_ = Quor::reactorOn<QuorConfig6>(inputs.config6, this);
+  status6_ = Quor::reactorOn<QuorStatus6>(inputs.status6, this);
 }
 
 namespace {
@@ -98,7 +79,7 @@ IpMib* IpAddressTableSm::ipMibOf(const L3::VrfName& vrf) const {
 
 template <class R>
 Quor::ValidPtr<R> IpAddressTableSm::reactorIs(Reactors<R>& reactors, const Quor::Ptr<const typename R::Entity>& entity) {
-  if (!entity) Quor::throwRangeException(R::Side::nullReactorText);
+  if (!entity) Quor::throwRangeException(AddressSide::nullEntityText(R::Side::member));
   Quor::Ptr<R> reactor = reactors.member(entity->intfId());
   if (reactor) {
     reactor->notifierIs(entity);
@@ -244,6 +225,15 @@ void IpAddressTableSm::quorZombieNested(bool flag) {
   for (auto it = ipIntfStatus_.begin(); it; ++it) it->quorDoZombieReactors(flag);
   for (auto it = ip6IntfConfig_.begin(); it; ++it) it->quorDoZombieReactors(flag);
   for (auto it = ip6IntfStatus_.begin(); it; ++it) it->quorDoZombieReactors(flag);
+}
+
+std::string AddressSide::handlerSignature(const char* reactor, const char* handler) {
+  return std::string("void IpSnmp::IpAddressTableSm::") + reactor + "::" + handler;
+}
+
+std::string AddressSide::nullEntityText(const char* member) {
+  return std::string("null _") + member + " parameter to mutator for IpSnmp::IpAddressTableSm::" + member +
+         " not allowed\"";
 }
 
 }  // namespace IpSnmp

@@ -55,11 +55,19 @@ class IpAddressTableSm : public Quor::Reactor {
   using QuorIp6IntfConfig = QuorIp6Intf<AddressSide::Ip6Config>;
   using QuorIp6IntfStatus = QuorIp6Intf<AddressSide::Ip6Status>;
 
-  // Every input but `ipMib` may be null; the constructor makes its first pass over the inputs.
-  IpAddressTableSm(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                   const Quor::ValidPtr<IpMib>& ipMib, const Quor::Ptr<const Ip::Config>& config,
-                   const Quor::Ptr<const Ip::Status>& status, const Quor::Ptr<const Ip6::Config>& config6,
-                   const Quor::Ptr<const Ip6::Status>& status6);
+  // Every input but `ipMib` may be absent.
+  struct Inputs {
+    Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir;
+    Quor::ValidPtr<IpMib> ipMib;
+    Quor::Ptr<const Ip::Config> config;
+    Quor::Ptr<const Ip::Status> status;
+    Quor::Ptr<const Ip6::Config> config6;
+    Quor::Ptr<const Ip6::Status> status6;
+    friend bool operator==(const Inputs&, const Inputs&) = default;
+  };
+
+  // Makes its first pass over the inputs.
+  explicit IpAddressTableSm(const Inputs& inputs);
   // Removes every occurrence that the machine's reactors added.
   ~IpAddressTableSm() override;
 

@@ -15,14 +15,6 @@ namespace IpSnmp {
 
 namespace {
 
-template <class Reactor, class Input>
-Quor::Ptr<Reactor> reactorOn(IpRouteTableSm* sm, const Quor::Ptr<const Input>& input) {
-  if (!input) return nullptr;
-  auto reactor = Quor::makePtr<Reactor>(sm);
-  reactor->notifierIs(input);
-  return reactor;
-}
-
 template <class Reactor>
 auto notifierOf(const Quor::Ptr<Reactor>& reactor) -> std::remove_cvref_t<decltype(reactor->notifier())> {
   return reactor ? reactor->notifier() : nullptr;
@@ -48,24 +40,18 @@ bool suitableForFib(Routing::Fib::RouteType type) { return type < 0 || type > Ro
 
 }  // namespace
 
-IpRouteTableSm::IpRouteTableSm(const Quor::Ptr<IpForwardMib>& ipForwardMib,
-                               const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                               const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-                               const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-                               const Quor::Ptr<const Quor::Clock>& clock) {
-  if (ipForwardMib) ipForwardMib_ = Quor::makePtr<QuorIpForwardMib>(ipForwardMib);
-  intfStatusDir_ = reactorOn<QuorIntfStatusDir>(this, intfStatusDir);
-  routeStatus_ = reactorOn<QuorRouteStatus>(this, routeStatus);
-  forwardingStatus_ = reactorOn<QuorForwardingStatus>(this, forwardingStatus);
-  if (clock) {
-    // Scheduled from the start: the first pass runs as soon as the event loop next runs the clock.
-    clock_ = Quor::makePtr<QuorClock>(nullptr);
-    clock_->timeMinIs(0.0);
-    clock_->notifierIs(clock);
-  }
+IpRouteTableSm::IpRouteTableSm(const Inputs& inputs)
+    : ipForwardMib_(Quor::makePtr<QuorIpForwardMib>(inputs.ipForwardMib)),
+      intfStatusDir_(Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir, this)),
+      routeStatus_(Quor::reactorOn<QuorRouteStatus>(inputs.routeStatus, this)),
+      forwardingStatus_(Quor::reactorOn<QuorForwardingStatus>(inputs.forwardingStatus, this)),
+      // Scheduled from the start: the first pass runs as soon as the event loop next runs the clock.
+      clock_(Quor::makePtr<QuorClock>(nullptr)) {
+  clock_->timeMinIs(0.0);
+  clock_->notifierIs(inputs.clock.ptr());
   doInstantiate();
   handleRoute();
-  if (clock_) clock_->ipRouteTableSmIs(this);
+  clock_->ipRouteTableSmIs(this);
 }
 
 IpRouteTableSm::~IpRouteTableSm() {
@@ -106,10 +92,6 @@ Quor::ValidPtr<IpRouteTableSm::QuorBacklog> IpRouteTableSm::backlogIs(const Pelt
   auto member = Quor::makePtr<QuorBacklog>(prefix, value);
   backlog_.memberIs(member);
   return member;
-}
-
-void IpRouteTableSm::backlogDelAll() {
-  for (auto it = backlog_.begin(); it; ++it) backlogDel(it);
 }
 
 Quor::ValidPtr<PrefixList> IpRouteTableSm::intfDepIs(const Pelt::IntfId& intfId) {
@@ -261,7 +243,6 @@ void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix) {
       }
     }
     try {
-      Quor::Expect collision(Quor::nameInUseExceptionId);
       table.ipCidrRouteTableIs(key, static_cast<U32>(ifIndex), route.metric, route.preference, route.routeType);
     } catch (const Quor::NameInUseException&) {
       QTRACE(agentTracer(), 8, "Route already in ipCidrRouteTable: " << key);

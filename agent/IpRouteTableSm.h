@@ -48,13 +48,17 @@ class IpRouteTableSm : public Quor::Reactor {
 
   static constexpr double defaultBacklogQuantum = 0.01;
 
-  // Makes a reactor for every non-null input, then marks every route present. All five are read
-  // without a test, so all five must be given.
-  IpRouteTableSm(const Quor::Ptr<IpForwardMib>& ipForwardMib,
-                 const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                 const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-                 const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-                 const Quor::Ptr<const Quor::Clock>& clock);
+  struct Inputs {
+    Quor::ValidPtr<IpForwardMib> ipForwardMib;
+    Quor::ValidPtr<const Interface::AllIntfStatusDir> intfStatusDir;
+    Quor::ValidPtr<const Tarn::Fib::RouteStatus> routeStatus;
+    Quor::ValidPtr<const Tarn::Fib::ForwardingStatus> forwardingStatus;
+    Quor::ValidPtr<const Quor::Clock> clock;
+    friend bool operator==(const Inputs&, const Inputs&) = default;
+  };
+
+  // Makes a reactor on every input, then marks every route present.
+  explicit IpRouteTableSm(const Inputs& inputs);
   // Leaves the rows of ipForwardMib in place.
   ~IpRouteTableSm() override;
 
@@ -80,7 +84,6 @@ class IpRouteTableSm : public Quor::Reactor {
   Quor::ValidPtr<QuorBacklog> backlogIs(const Pelt::Prefix& prefix, bool value);
   Quor::Ptr<QuorBacklog> backlogDel(const Pelt::Prefix& prefix) { return backlog_.deleteMember(prefix); }
   Quor::Ptr<QuorBacklog> backlogDel(const Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
-  void backlogDelAll();
 
   const IntfDep& intfDep() const noexcept { return intfDep_; }
   PrefixList* intfDep(const Pelt::IntfId& intfId) const { return intfDep_.member(intfId); }

@@ -25,8 +25,8 @@ void IpAddressTableSm::QuorIp6Intf<S>::intfStatusIs(const Quor::Ptr<const Interf
 
 template <class S>
 void IpAddressTableSm::QuorIp6Intf<S>::handleAddr(const Pelt::Ip6AddrWithMask& key) {
-  IPSNMP_HANDLER(S::handleAddrKeySignature);
-  QTRACE(agentTracer(), 8, S::handleAddrKeySignature << " for " << intfId_ << ", " << key);
+  IPSNMP_SIDE_HANDLER(S, "handleAddr(const Pelt::Ip6AddrWithMask&)");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_ << ", " << key);
   if (!ipAddressTableSm_) return;
   if (!intfStatus()) {
     QTRACE(agentTracer(), 8, "no intfStatus");
@@ -49,8 +49,8 @@ void IpAddressTableSm::QuorIp6Intf<S>::handleAddr(const Pelt::Ip6AddrWithMask& k
 
 template <class S>
 void IpAddressTableSm::QuorIp6Intf<S>::handleAddr() {
-  IPSNMP_HANDLER(S::handleAddrSignature);
-  QTRACE(agentTracer(), 8, S::handleAddrSignature << " for " << intfId_);
+  IPSNMP_SIDE_HANDLER(S, "handleAddr()");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_);
   if (!this->notifier()) return;
   // Over the entity, not oldAddr: an address that left while there was no status is not visited.
   for (const auto& [key, info] : this->notifier()->addrs()) handleAddr(key);
@@ -66,8 +66,8 @@ void IpAddressTableSm::QuorIp6Intf<S>::oldAddrIs(const Ip6::AddressInfo& info) {
 
 template <class S>
 void IpAddressTableSm::QuorIp6Intf<S>::handleDel() {
-  IPSNMP_HANDLER(S::handleDelSignature);
-  QTRACE(agentTracer(), 8, S::handleDelSignature << " for " << intfId_);
+  IPSNMP_SIDE_HANDLER(S, "handleDel()");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_);
   if (!ipAddressTableSm_ || !intfStatus()) return;
   for (auto it = oldAddr_.begin(); it; ++it) ipAddressTableSm_->doDelAddr6(intfId_, S::source, it.key());
 }

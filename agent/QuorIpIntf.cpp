@@ -48,8 +48,8 @@ Pelt::IpAddrWithMask IpAddressTableSm::QuorIpIntf<S>::address() const {
 
 template <class S>
 void IpAddressTableSm::QuorIpIntf<S>::handleAddr() {
-  IPSNMP_HANDLER(S::handleAddrSignature);
-  QTRACE(agentTracer(), 8, S::handleAddrSignature << " for " << intfId_);
+  IPSNMP_SIDE_HANDLER(S, "handleAddr()");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_);
   if (!ipAddressTableSm_) return;
   if (!intfStatus()) {
     QTRACE(agentTracer(), 8, "no intfStatus");
@@ -69,8 +69,8 @@ void IpAddressTableSm::QuorIpIntf<S>::handleL3Vrf() {
 
 template <class S>
 void IpAddressTableSm::QuorIpIntf<S>::handleVrf(const L3::VrfName& vrf) {
-  IPSNMP_HANDLER(S::handleVrfSignature);
-  QTRACE(agentTracer(), 8, S::handleVrfSignature << " for " << intfId_ << " in " << vrf);
+  IPSNMP_SIDE_HANDLER(S, "handleVrf(L3::VrfName)");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_ << " in " << vrf);
   if (!ipAddressTableSm_) return;
   if (!intfStatus()) {
     QTRACE(agentTracer(), 8, "no intfStatus");
@@ -98,8 +98,8 @@ void IpAddressTableSm::QuorIpIntf<S>::handleVrf(const L3::VrfName& vrf) {
 
 template <class S>
 void IpAddressTableSm::QuorIpIntf<S>::handleDel() {
-  IPSNMP_HANDLER(S::handleDelSignature);
-  QTRACE(agentTracer(), 8, S::handleDelSignature << " for " << intfId_);
+  IPSNMP_SIDE_HANDLER(S, "handleDel()");
+  QTRACE(agentTracer(), 8, signature << " for " << intfId_);
   // Without a status nothing is deleted: rows added before the status went stay behind.
   if (!ipAddressTableSm_ || !intfStatus()) return;
   ipAddressTableSm_->doDelAddr(intfId_, S::source, storeVrf(), oldAddr_);

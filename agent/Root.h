@@ -22,33 +22,25 @@ class Root : public Quor::Entity {
   const char* fwkType() const override { return "IpSnmp::Root"; }
 
   const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm() const noexcept { return ipAddressTableSm_.machine(); }
-  Quor::ValidPtr<IpAddressTableSm> ipAddressTableSmIs(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                                      const Quor::Ptr<IpMib>& ipMib,
-                                                      const Quor::Ptr<const Ip::Config>& config,
-                                                      const Quor::Ptr<const Ip::Status>& status,
-                                                      const Quor::Ptr<const Ip6::Config>& config6,
-                                                      const Quor::Ptr<const Ip6::Status>& status6);
+  Quor::ValidPtr<IpAddressTableSm> ipAddressTableSmIs(const IpAddressTableSm::Inputs& inputs) {
+    return ipAddressTableSm_.machineIs(inputs);
+  }
   Quor::Ptr<IpAddressTableSm> ipAddressTableSmDel() { return ipAddressTableSm_.machineDel(); }
 
   const Quor::Ptr<ArpTableSm>& arpTableSm() const noexcept { return arpTableSm_.machine(); }
-  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                          const Quor::Ptr<IpMib>& ipMib,
-                                          const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-                                          Vrf::VrfIdMap::VrfId arpTarnVrfId);
+  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const ArpTableSm::Inputs& inputs) { return arpTableSm_.machineIs(inputs); }
   Quor::Ptr<ArpTableSm> arpTableSmDel() { return arpTableSm_.machineDel(); }
 
   const Quor::Ptr<IpRouteTableSm>& ipRouteTableSm() const noexcept { return ipRouteTableSm_.machine(); }
-  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const Quor::Ptr<IpForwardMib>& ipForwardMib,
-                                                  const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                                  const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-                                                  const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-                                                  const Quor::Ptr<const Quor::Clock>& clock);
+  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const IpRouteTableSm::Inputs& inputs) {
+    return ipRouteTableSm_.machineIs(inputs);
+  }
   Quor::Ptr<IpRouteTableSm> ipRouteTableSmDel() { return ipRouteTableSm_.machineDel(); }
 
   const Quor::Ptr<VrfIfTableSm>& vrfIfTableSm() const noexcept { return vrfIfTableSm_.machine(); }
-  Quor::ValidPtr<VrfIfTableSm> vrfIfTableSmIs(const Quor::Ptr<IpVrfMib>& ipVrfMib,
-                                              const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                              const Quor::Ptr<const Ip::Config>& config);
+  Quor::ValidPtr<VrfIfTableSm> vrfIfTableSmIs(const VrfIfTableSm::Inputs& inputs) {
+    return vrfIfTableSm_.machineIs(inputs);
+  }
   Quor::Ptr<VrfIfTableSm> vrfIfTableSmDel() { return vrfIfTableSm_.machineDel(); }
 
   const Quor::Ptr<VrfRootDir>& vrfRootDir() const noexcept { return vrfRootDir_; }
@@ -57,40 +49,16 @@ class Root : public Quor::Entity {
   Quor::Ptr<VrfRootDir> vrfRootDirDel() { return std::exchange(vrfRootDir_, nullptr); }
 
   const Quor::Ptr<VrfRootSm>& vrfRootSm() const noexcept { return vrfRootSm_.machine(); }
-  Quor::ValidPtr<VrfRootSm> vrfRootSmIs(
-      const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm, const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-      const Quor::Ptr<const Routing::VrfConfigDir>& routingVrfConfigDir, const Quor::Ptr<const Quor::Dir>& routingVrfInfoDir,
-      const Quor::Ptr<VrfMibsDir>& vrfMibsDir, const Quor::Ptr<VrfRootDir>& vrfRootDir,
-      const Quor::Ptr<const Ip::AllVrfStatusLocal>& allVrfStatusLocal, const Quor::Ptr<const Ip::AllVrfConfig>& allVrfConfig,
-      const Quor::Ptr<const Snmp::Status>& snmpStatus, const Quor::Ptr<IpVrfMib>& ipVrfMib,
-      const Quor::Ptr<const Morvane::EntityManager>& entityManager, const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-      const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap, const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm,
-      SnmpContexts* snmpContexts);
+  Quor::ValidPtr<VrfRootSm> vrfRootSmIs(const VrfRootSm::Inputs& inputs) { return vrfRootSm_.machineIs(inputs); }
   Quor::Ptr<VrfRootSm> vrfRootSmDel() { return vrfRootSm_.machineDel(); }
 
  private:
-  MachineSlot<IpAddressTableSm, Quor::Ptr<const Interface::AllIntfStatusDir>, Quor::Ptr<IpMib>,
-              Quor::Ptr<const Ip::Config>, Quor::Ptr<const Ip::Status>, Quor::Ptr<const Ip6::Config>,
-              Quor::Ptr<const Ip6::Status>>
-      ipAddressTableSm_;
-  MachineSlot<ArpTableSm, Quor::Ptr<const Interface::AllIntfStatusDir>, Quor::Ptr<IpMib>,
-              Quor::Ptr<const Arp::Table::Status>, Vrf::VrfIdMap::VrfId>
-      arpTableSm_;
-  MachineSlot<IpRouteTableSm, Quor::Ptr<IpForwardMib>, Quor::Ptr<const Interface::AllIntfStatusDir>,
-              Quor::Ptr<const Tarn::Fib::RouteStatus>, Quor::Ptr<const Tarn::Fib::ForwardingStatus>,
-              Quor::Ptr<const Quor::Clock>>
-      ipRouteTableSm_;
-  MachineSlot<VrfIfTableSm, Quor::Ptr<IpVrfMib>, Quor::Ptr<const Interface::AllIntfStatusDir>,
-              Quor::Ptr<const Ip::Config>>
-      vrfIfTableSm_;
+  MachineSlot<IpAddressTableSm> ipAddressTableSm_;
+  MachineSlot<ArpTableSm> arpTableSm_;
+  MachineSlot<IpRouteTableSm> ipRouteTableSm_;
+  MachineSlot<VrfIfTableSm> vrfIfTableSm_;
   Quor::Ptr<VrfRootDir> vrfRootDir_;
-  MachineSlot<VrfRootSm, Quor::Ptr<IpAddressTableSm>, Quor::Ptr<const Interface::AllIntfStatusDir>,
-              Quor::Ptr<const Routing::VrfConfigDir>, Quor::Ptr<const Quor::Dir>, Quor::Ptr<VrfMibsDir>,
-              Quor::Ptr<VrfRootDir>, Quor::Ptr<const Ip::AllVrfStatusLocal>, Quor::Ptr<const Ip::AllVrfConfig>,
-              Quor::Ptr<const Snmp::Status>, Quor::Ptr<IpVrfMib>, Quor::Ptr<const Morvane::EntityManager>,
-              Quor::Ptr<const Arp::Table::Status>, Quor::Ptr<const Vrf::VrfIdMap::Status>, Quor::Ptr<ArpTableSm>,
-              SnmpContexts*>
-      vrfRootSm_;
+  MachineSlot<VrfRootSm> vrfRootSm_;
 };
 
 // A Root of that name with no machine yet.

@@ -4,13 +4,8 @@
 
 namespace IpSnmp {
 
-VrfIfTableSm::VrfIfTableSm(const Quor::Ptr<IpVrfMib>& ipVrfMib,
-                           const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                           const Quor::Ptr<const Ip::Config>& config)
-    : ipVrfMib_(ipVrfMib), intfStatusDir_(intfStatusDir) {
-  if (!config) return;
-  config_ = Quor::makePtr<QuorConfig>(this);
-  config_->notifierIs(config);  // its replay is the first resynchronisation
+VrfIfTableSm::VrfIfTableSm(const Inputs& inputs) : ipVrfMib_(inputs.ipVrfMib), intfStatusDir_(inputs.intfStatusDir) {
+  config_ = Quor::reactorOn<QuorConfig>(inputs.config, this);  // its replay is the first resynchronisation
 }
 
 VrfIfTableSm::~VrfIfTableSm() {
@@ -45,13 +40,11 @@ Quor::Ptr<const Ip::IpIntfConfig> VrfIfTableSm::ipIntfConfigDel(const Pelt::Intf
   return entity;
 }
 
-void VrfIfTableSm::resynchronise() {
-  Quor::Ptr<const Ip::Config> input = config();
-  if (!input) return;
-  for (const auto& [intfId, entity] : input->ipIntfConfigs()) ipIntfConfigIs(entity);
+void VrfIfTableSm::resynchronise(const Ip::Config& input) {
+  for (const auto& [intfId, entity] : input.ipIntfConfigs()) ipIntfConfigIs(entity);
   std::vector<Pelt::IntfId> gone;
   for (auto it = ipIntfConfig_.begin(); it; ++it)
-    if (!input->ipIntfConfig(it.key())) gone.push_back(it.key());
+    if (!input.ipIntfConfig(it.key())) gone.push_back(it.key());
   for (const Pelt::IntfId& intfId : gone) ipIntfConfigDel(intfId);
 }
 
@@ -71,7 +64,7 @@ void VrfIfTableSm::QuorConfig::onIpIntfConfig(const Pelt::IntfId& intfId) {
 }
 
 void VrfIfTableSm::QuorConfig::onIpIntfConfigquorImmediate() {
-  if (vrfIfTableSm_) vrfIfTableSm_->resynchronise();
+  if (vrfIfTableSm_ && notifier()) vrfIfTableSm_->resynchronise(*notifier());
 }
 
 VrfIfTableSm::QuorIpIntfConfig::QuorIpIntfConfig(VrfIfTableSm* sm, const Quor::Ptr<const Ip::IpIntfConfig>& entity)

@@ -22,8 +22,14 @@ class VrfIfTableSm : public Quor::Reactor {
   class QuorConfig;
   class QuorIpIntfConfig;
 
-  VrfIfTableSm(const Quor::Ptr<IpVrfMib>& ipVrfMib, const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-               const Quor::Ptr<const Ip::Config>& config);
+  struct Inputs {
+    Quor::ValidPtr<IpVrfMib> ipVrfMib;
+    Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir;
+    Quor::Ptr<const Ip::Config> config;
+    friend bool operator==(const Inputs&, const Inputs&) = default;
+  };
+
+  explicit VrfIfTableSm(const Inputs& inputs);
   ~VrfIfTableSm() override;
 
   const Quor::Ptr<IpVrfMib>& ipVrfMib() const noexcept { return ipVrfMib_; }
@@ -37,8 +43,8 @@ class VrfIfTableSm : public Quor::Reactor {
   QuorIpIntfConfig* ipIntfConfig(const Pelt::IntfId& intfId) const { return ipIntfConfig_.member(intfId); }
   std::size_t ipIntfConfigs() const noexcept { return ipIntfConfig_.members(); }
 
-  // A reactor for every member of the configuration, none for the others.
-  void resynchronise();
+  // A reactor for every member of `input`, none for the others.
+  void resynchronise(const Ip::Config& input);
 
   // Runs the deletion of an interface's reactor that is being marked as a zombie.
   void quor_handleIpIntfConfig(QuorIpIntfConfig& reactor);

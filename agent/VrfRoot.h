@@ -6,6 +6,7 @@
 #include "agent/MachineSlot.h"
 #include "model/IpForwardMib.h"
 #include "model/IpMib.h"
+#include "platform/quor/NotifyingDir.h"
 
 namespace IpSnmp {
 
@@ -23,58 +24,39 @@ class VrfRoot : public Quor::Entity, public Quor::HashLink {
   void ipForwardMibIs(const Quor::Ptr<IpForwardMib>& ipForwardMib) { ipForwardMib_ = ipForwardMib; }
 
   const Quor::Ptr<ArpTableSm>& arpTableSm() const noexcept { return arpTableSm_.machine(); }
-  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                          const Quor::Ptr<IpMib>& ipMib,
-                                          const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-                                          Vrf::VrfIdMap::VrfId arpTarnVrfId) {
-    return arpTableSm_.machineIs(intfStatusDir, ipMib, arpTarn, arpTarnVrfId);
-  }
+  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const ArpTableSm::Inputs& inputs) { return arpTableSm_.machineIs(inputs); }
   Quor::Ptr<ArpTableSm> arpTableSmDel() { return arpTableSm_.machineDel(); }
 
   const Quor::Ptr<IpRouteTableSm>& ipRouteTableSm() const noexcept { return ipRouteTableSm_.machine(); }
-  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const Quor::Ptr<IpForwardMib>& ipForwardMib,
-                                                  const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                                                  const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-                                                  const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-                                                  const Quor::Ptr<const Quor::Clock>& clock) {
-    return ipRouteTableSm_.machineIs(ipForwardMib, intfStatusDir, routeStatus, forwardingStatus, clock);
+  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const IpRouteTableSm::Inputs& inputs) {
+    return ipRouteTableSm_.machineIs(inputs);
   }
   Quor::Ptr<IpRouteTableSm> ipRouteTableSmDel() { return ipRouteTableSm_.machineDel(); }
 
  private:
   Quor::Ptr<IpMib> ipMib_;
   Quor::Ptr<IpForwardMib> ipForwardMib_;
-  MachineSlot<ArpTableSm, Quor::Ptr<const Interface::AllIntfStatusDir>, Quor::Ptr<IpMib>,
-              Quor::Ptr<const Arp::Table::Status>, Vrf::VrfIdMap::VrfId>
-      arpTableSm_;
-  MachineSlot<IpRouteTableSm, Quor::Ptr<IpForwardMib>, Quor::Ptr<const Interface::AllIntfStatusDir>,
-              Quor::Ptr<const Tarn::Fib::RouteStatus>, Quor::Ptr<const Tarn::Fib::ForwardingStatus>,
-              Quor::Ptr<const Quor::Clock>>
-      ipRouteTableSm_;
+  MachineSlot<ArpTableSm> arpTableSm_;
+  MachineSlot<IpRouteTableSm> ipRouteTableSm_;
 };
 
-class VrfRootDir : public Quor::Entity {
+class VrfRootDir : public Quor::NotifyingDir<VrfRootDir, VrfRoot> {
  public:
   class NotifieeConst : public Quor::Notifiee<VrfRootDir> {
    public:
     virtual void onVrfRoot(const Quor::Name&) {}
   };
-  using VrfRoots = Quor::HashMap<VrfRoot, Quor::Name>;
+  static constexpr const char* attributeName = "vrfRoot";
+  static constexpr auto onMember = &NotifieeConst::onVrfRoot;
 
-  using Entity::Entity;
-  ~VrfRootDir() override;
+  using NotifyingDir::NotifyingDir;
   const char* fwkType() const override { return "IpSnmp::VrfRootDir"; }
 
-  VrfRoot* vrfRoot(const Quor::Name& name) const { return vrfRoot_.member(name); }
-  const VrfRoots& vrfRoots() const noexcept { return vrfRoot_; }
-  // The VrfRoot of `name`, made when absent.
-  Quor::ValidPtr<VrfRoot> vrfRootIs(const Quor::Name& name);
-  Quor::Ptr<VrfRoot> vrfRootDel(const Quor::Name& name);
-  void vrfRootDelAll();
-
- private:
-  void vrfRootNotify(const Quor::Name& name) const;
-  VrfRoots vrfRoot_;
+  VrfRoot* vrfRoot(const Quor::Name& name) const { return member(name); }
+  const Members& vrfRoots() const noexcept { return members(); }
+  Quor::ValidPtr<VrfRoot> vrfRootIs(const Quor::Name& name) { return memberIs(name); }
+  Quor::Ptr<VrfRoot> vrfRootDel(const Quor::Name& name) { return memberDel(name); }
+  void vrfRootDelAll() { memberDelAll(); }
 };
 
 // A directory standing alone, without a Root.

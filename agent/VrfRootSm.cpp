@@ -9,18 +9,7 @@ namespace IpSnmp {
 
 namespace {
 
-// Table type of the per-VRF route and forwarding tables: shared memory.
-constexpr U32 sharedMemoryTables = 1;
-
 std::string formatted(const char* format, const Quor::Name& name) { return Quor::format(format, name.str().c_str()).str(); }
-
-template <class Reactor, class Input>
-Quor::Ptr<Reactor> reactorOn(VrfRootSm* sm, const Quor::Ptr<Input>& input) {
-  if (!input) return nullptr;
-  auto reactor = Quor::makePtr<Reactor>(sm);
-  reactor->notifierIs(input);
-  return reactor;
-}
 
 template <class Reactor>
 void zombieIs(const Quor::Ptr<Reactor>& reactor, bool flag) {
@@ -29,36 +18,25 @@ void zombieIs(const Quor::Ptr<Reactor>& reactor, bool flag) {
 
 }  // namespace
 
-VrfRootSm::VrfRootSm(const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm,
-                     const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-                     const Quor::Ptr<const Routing::VrfConfigDir>& routingVrfConfigDir,
-                     const Quor::Ptr<const Quor::Dir>& routingVrfInfoDir, const Quor::Ptr<VrfMibsDir>& vrfMibsDir,
-                     const Quor::Ptr<VrfRootDir>& vrfRootDir,
-                     const Quor::Ptr<const Ip::AllVrfStatusLocal>& allVrfStatusLocal,
-                     const Quor::Ptr<const Ip::AllVrfConfig>& allVrfConfig,
-                     const Quor::Ptr<const Snmp::Status>& snmpStatus, const Quor::Ptr<IpVrfMib>& ipVrfMib,
-                     const Quor::Ptr<const Morvane::EntityManager>& entityManager,
-                     const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-                     const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap,
-                     const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm, SnmpContexts* snmpContexts)
-    : ipAddressTableSm_(ipAddressTableSm),
-      intfStatusDir_(reactorOn<QuorIntfStatusDir>(this, intfStatusDir)),
-      routingVrfConfigDir_(reactorOn<QuorRoutingVrfConfigDir>(this, routingVrfConfigDir)),
-      routingVrfInfoDir_(reactorOn<QuorRoutingVrfInfoDir>(this, routingVrfInfoDir)),
-      vrfMibsDir_(vrfMibsDir),
-      vrfRootDir_(vrfRootDir),
-      allVrfStatusLocal_(reactorOn<QuorAllVrfStatusLocal>(this, allVrfStatusLocal)),
-      allVrfConfig_(allVrfConfig),
-      snmpStatus_(snmpStatus),
-      ipVrfMib_(ipVrfMib),
-      entityManager_(entityManager),
-      arpTarn_(reactorOn<QuorArpTarn>(this, arpTarn)),
-      arpTarnVrfIdMap_(arpTarnVrfIdMap),
-      defaultVrfArpTableSm_(defaultVrfArpTableSm),
-      snmpContexts_(snmpContexts) {
+VrfRootSm::VrfRootSm(const Inputs& inputs)
+    : ipAddressTableSm_(inputs.ipAddressTableSm),
+      intfStatusDir_(Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir, this)),
+      routingVrfConfigDir_(Quor::reactorOn<QuorRoutingVrfConfigDir>(inputs.routingVrfConfigDir, this)),
+      routingVrfInfoDir_(Quor::reactorOn<QuorRoutingVrfInfoDir>(inputs.routingVrfInfoDir, this)),
+      vrfMibsDir_(inputs.vrfMibsDir),
+      vrfRootDir_(inputs.vrfRootDir),
+      allVrfStatusLocal_(Quor::reactorOn<QuorAllVrfStatusLocal>(inputs.allVrfStatusLocal, this)),
+      allVrfConfig_(inputs.allVrfConfig),
+      snmpStatus_(inputs.snmpStatus),
+      ipVrfMib_(inputs.ipVrfMib),
+      entityManager_(inputs.entityManager),
+      arpTarn_(Quor::reactorOn<QuorArpTarn>(inputs.arpTarn, this)),
+      arpTarnVrfIdMap_(inputs.arpTarnVrfIdMap),
+      defaultVrfArpTableSm_(inputs.defaultVrfArpTableSm),
+      snmpContexts_(inputs.snmpContexts) {
   wired_ = true;
   resynchroniseVrfStatusLocal();
-  snmpAgentStatus_ = reactorOn<QuorSnmpAgentStatus>(this, snmpStatus_);
+  snmpAgentStatus_ = Quor::reactorOn<QuorSnmpAgentStatus>(snmpStatus_, this);
 }
 
 // The reactors become zombies in the order intfStatusDir, routingVrfConfigDir, routingVrfInfoDir,
@@ -96,7 +74,7 @@ void VrfRootSm::handleInitialized(bool value) {
   if (!value || initialized_) return;
   initialized_ = true;
   auto map = Quor::makePtr<Vrf::VrfIdMap::NameToIdMap>(Quor::Name("arpTarnVrfNameToIdMap"));
-  arpTarnVrfNameToIdMap_ = reactorOn<QuorArpTarnVrfNameToIdMap>(this, Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap>(map));
+  arpTarnVrfNameToIdMap_ = Quor::reactorOn<QuorArpTarnVrfNameToIdMap>(Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap>(map), this);
   if (arpTarnVrfIdMap_) arpTarnVrfIdReverseMapper_ = Quor::makePtr<Vrf::VrfIdMap::ReverseMapper>(arpTarnVrfIdMap_, map);
   handleVrfCreation();
   handleIntfStatus();
@@ -121,9 +99,9 @@ void VrfRootSm::handleVrfCreation(const Quor::Name& name) {
   mount.handleInitialized();
   const std::string routePath = formatted(Tarn::Fib::vrfRoutePathFormat, name);
   const std::string forwardingPath = formatted(Tarn::Fib::vrfForwardingPathFormat, name);
-  mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(sharedMemoryTables));
+  mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
   auto routeStatus = Quor::dynamicPtrCast<const Tarn::Fib::RouteStatus>(mount.getEntity(routePath));
-  mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo(sharedMemoryTables));
+  mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo());
   auto forwardingStatus = Quor::dynamicPtrCast<const Tarn::Fib::ForwardingStatus>(mount.getEntity(forwardingPath));
 
   Quor::ValidPtr<VrfRoot> root = vrfRootDir_->vrfRootIs(name);
@@ -136,10 +114,13 @@ void VrfRootSm::handleVrfCreation(const Quor::Name& name) {
 
   auto nameToIdMap = arpTarnVrfNameToIdMap();
   Vrf::VrfIdMap::VrfId id = nameToIdMap ? nameToIdMap->vrfNameToId(name) : Vrf::VrfIdMap::unknownVrfId;
-  Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir = intfStatusDir_ ? intfStatusDir_->notifier() : nullptr;
-  Quor::Ptr<const Arp::Table::Status> arpTarn = arpTarn_ ? arpTarn_->notifier() : nullptr;
-  root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, id);
-  root->ipRouteTableSmIs(ipForwardMib, intfStatusDir, routeStatus, forwardingStatus, Quor::activityManager()->clock());
+  const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir = intfStatusDir_->notifier();
+  root->arpTableSmIs({.intfStatusDir = intfStatusDir, .ipMib = ipMib, .arpTarn = arpTarn_->notifier(), .arpTarnVrfId = id});
+  root->ipRouteTableSmIs({.ipForwardMib = ipForwardMib,
+                          .intfStatusDir = intfStatusDir,
+                          .routeStatus = routeStatus,
+                          .forwardingStatus = forwardingStatus,
+                          .clock = Quor::activityManager()->clock()});
 
   ipAddressTableSm_->vrfIpMibIs(ipMib);
   ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);

@@ -41,19 +41,29 @@ class VrfRootSm : public Quor::Reactor {
   class QuorSnmpAgentStatus;
   class QuorVrfRoot;
 
-  // The inputs of Root::vrfRootSmIs; `snmpContexts` opens and closes the VRFs' SNMP contexts and must
-  // outlive the machine. Ends with the agent's status bound, which brings up every published VRF at
-  // once if the agent is initialized already.
-  VrfRootSm(const Quor::Ptr<IpAddressTableSm>& ipAddressTableSm,
-            const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir,
-            const Quor::Ptr<const Routing::VrfConfigDir>& routingVrfConfigDir,
-            const Quor::Ptr<const Quor::Dir>& routingVrfInfoDir, const Quor::Ptr<VrfMibsDir>& vrfMibsDir,
-            const Quor::Ptr<VrfRootDir>& vrfRootDir, const Quor::Ptr<const Ip::AllVrfStatusLocal>& allVrfStatusLocal,
-            const Quor::Ptr<const Ip::AllVrfConfig>& allVrfConfig, const Quor::Ptr<const Snmp::Status>& snmpStatus,
-            const Quor::Ptr<IpVrfMib>& ipVrfMib, const Quor::Ptr<const Morvane::EntityManager>& entityManager,
-            const Quor::Ptr<const Arp::Table::Status>& arpTarn,
-            const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap,
-            const Quor::Ptr<ArpTableSm>& defaultVrfArpTableSm, SnmpContexts* snmpContexts);
+  // `snmpContexts` opens and closes the VRFs' SNMP contexts and must outlive the machine.
+  struct Inputs {
+    Quor::ValidPtr<IpAddressTableSm> ipAddressTableSm;
+    Quor::ValidPtr<const Interface::AllIntfStatusDir> intfStatusDir;
+    Quor::ValidPtr<const Routing::VrfConfigDir> routingVrfConfigDir;
+    Quor::ValidPtr<const Quor::Dir> routingVrfInfoDir;
+    Quor::ValidPtr<VrfMibsDir> vrfMibsDir;
+    Quor::ValidPtr<VrfRootDir> vrfRootDir;
+    Quor::ValidPtr<const Ip::AllVrfStatusLocal> allVrfStatusLocal;
+    Quor::ValidPtr<const Ip::AllVrfConfig> allVrfConfig;
+    Quor::ValidPtr<const Snmp::Status> snmpStatus;
+    Quor::ValidPtr<IpVrfMib> ipVrfMib;
+    Quor::ValidPtr<const Morvane::EntityManager> entityManager;
+    Quor::ValidPtr<const Arp::Table::Status> arpTarn;
+    Quor::ValidPtr<const Vrf::VrfIdMap::Status> arpTarnVrfIdMap;
+    Quor::ValidPtr<ArpTableSm> defaultVrfArpTableSm;
+    SnmpContexts* snmpContexts = nullptr;
+    friend bool operator==(const Inputs&, const Inputs&) = default;
+  };
+
+  // Ends with the agent's status bound, which brings up every published VRF at once if the agent is
+  // initialized already.
+  explicit VrfRootSm(const Inputs& inputs);
   ~VrfRootSm() override;
 
   bool initialized() const noexcept { return initialized_; }

@@ -48,7 +48,7 @@ struct Store {
     intfStatusDir->intfStatusIs(Quor::makePtr<Interface::IntfStatus>(ids[i], Quor::Name("ethernet"), i + 1));
   }
   Quor::Ptr<IpAddressTableSm> machine(const Quor::Ptr<IpMib>& ipMib) const {
-    return Quor::makePtr<IpAddressTableSm>(intfStatusDir, ipMib, config, status, config6, status6);
+    return Quor::makePtr<IpAddressTableSm>(IpAddressTableSm::Inputs{intfStatusDir, ipMib, config, status, config6, status6});
   }
 
   std::vector<Pelt::IntfId> ids;

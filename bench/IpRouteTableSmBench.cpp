@@ -72,7 +72,7 @@ struct RouteWorld {
     routes->mount(dir, Tarn::TableType::sharedMemory);
     fecs->mount(dir, Tarn::TableType::sharedMemory);
   }
-  void start() { sm = Quor::makePtr<IpRouteTableSm>(ipForwardMib, intfStatusDir, routes, fecs, clock); }
+  void start() { sm = Quor::makePtr<IpRouteTableSm>(IpRouteTableSm::Inputs{ipForwardMib, intfStatusDir, routes, fecs, clock}); }
   bool idle() const { return sm->quorClock()->timeMin() == Quor::never; }
 
   // Runs one pass and records its wall and CPU time.
@@ -264,7 +264,7 @@ void BM_Populate100kArpEntries(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     auto ipMib = Quor::makePtr<IpMib>(Quor::Name("ipmib"));
-    auto sm = Quor::makePtr<ArpTableSm>(intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::unknownVrfId);
+    auto sm = Quor::makePtr<ArpTableSm>(ArpTableSm::Inputs{intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::unknownVrfId});
     state.ResumeTiming();
     sm->arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId(7));
     state.PauseTiming();

@@ -12,7 +12,6 @@
 #include "frontend/UnitRegistration.h"
 #include "platform/morvane/RoutingConfig.h"
 #include "platform/quor/Flitlog.h"
-#include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 
 namespace {
@@ -28,14 +27,6 @@ const ScalarText ipv6IpForwardingText{"handle_ipv6IpForwarding", "ipv6IpForwardi
                                       "Routing6::Config",        "routing",          "IpRoutingToAsnInteger"};
 
 ContextRegistrations registrations{"IpBase", tracer};
-
-class IpBase_HandlerRegistration : public Snmp::HandlerRegistration {
- public:
-  void registerInContext(Quor::String8 context) override { init_IpBase(context); }
-};
-
-IpBase_HandlerRegistration handlerRegistration;
-Snmp::AutoRegistree autoRegistree{&handlerRegistration};
 
 template <class Config>
 int readRouting(const void* config, unsigned char* buffer, int size) {

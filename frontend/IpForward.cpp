@@ -13,7 +13,6 @@
 #include "frontend/UnitRegistration.h"
 #include "model/IpForwardMib.h"
 #include "platform/quor/Flitlog.h"
-#include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 
 namespace {
@@ -106,14 +105,6 @@ const IteratedTableRegistration::Index ipCidrRouteTableIndexes[] = {{ASN_IPADDRE
 const unsigned int ipCidrRouteTableColumns[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
 
 ContextRegistrations registrations{"IpForward", tracer};
-
-class IpForward_HandlerRegistration : public Snmp::HandlerRegistration {
- public:
-  void registerInContext(Quor::String8 context) override { init_IpForward(context); }
-};
-
-IpForward_HandlerRegistration handlerRegistration;
-Snmp::AutoRegistree autoRegistree{&handlerRegistration};
 
 }  // namespace
 

@@ -14,7 +14,6 @@
 #include "frontend/TableRegistration.h"
 #include "frontend/UnitRegistration.h"
 #include "model/IpMib.h"
-#include "platform/snmp/HandlerRegistration.h"
 
 namespace {
 
@@ -103,14 +102,6 @@ const unsigned int oskelSwFwdIpStatsTableColumns[] = {3,  4,  5,  6,  7,  8,  9,
                                                       33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43, 44, 45, 46, 47};
 
 ContextRegistrations registrations{"IpSwForwarding", tracer};
-
-class IpSwForwarding_HandlerRegistration : public Snmp::HandlerRegistration {
- public:
-  void registerInContext(Quor::String8 context) override { init_IpSwForwarding(context); }
-};
-
-IpSwForwarding_HandlerRegistration handlerRegistration;
-Snmp::AutoRegistree autoRegistree{&handlerRegistration};
 
 }  // namespace
 

@@ -213,7 +213,6 @@ class IteratedTable {
       return std::nullopt;
     }
     try {
-      Quor::Expect expected(Quor::rangeExceptionId);
       const Key key = T::keyOf(*std::get<I>(values)...);
       Iterator row = table.startAt(key);
       if (!row.atEnd() && row.key() == key) return row;
@@ -235,8 +234,7 @@ class IteratedTable {
                          << int(var->type));
     } else {
       try {
-        Quor::Expect expected(Quor::rangeExceptionId);
-        value = Component::parse(*var);
+          value = Component::parse(*var);
         QTRACE(tableTracer(), 2, "hint component " << name << " is '" << *value << "'");
         ++accepted;
       } catch (const Quor::RangeException& e) {

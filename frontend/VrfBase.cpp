@@ -10,7 +10,6 @@
 #include "frontend/TableRegistration.h"
 #include "frontend/UnitRegistration.h"
 #include "model/IpVrfMib.h"
-#include "platform/snmp/HandlerRegistration.h"
 
 namespace {
 
@@ -90,14 +89,6 @@ const IteratedTableRegistration::Index oskelVrfIfTableIndexes[] = {{ASN_INTEGER,
 const unsigned int oskelVrfIfTableColumns[] = {1};
 
 ContextRegistrations registrations{"VrfBase", tracer};
-
-class VrfBase_HandlerRegistration : public Snmp::HandlerRegistration {
- public:
-  void registerInContext(Quor::String8 context) override { init_VrfBase(context); }
-};
-
-VrfBase_HandlerRegistration handlerRegistration;
-Snmp::AutoRegistree autoRegistree{&handlerRegistration};
 
 }  // namespace
 

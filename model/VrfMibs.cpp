@@ -6,7 +6,6 @@ namespace {
 constexpr std::string_view vrfMibsAttributes[] = {"ipmib", "ipforwardmib"};
 constexpr Quor::AttributeId ipmibAttr = Quor::Entity::firstAttributeId;
 constexpr Quor::AttributeId ipforwardmibAttr = ipmibAttr + 1;
-constexpr std::string_view vrfMibsDirAttributes[] = {"mibs"};
 }  // namespace
 
 VrfMibs::~VrfMibs() {
@@ -54,44 +53,6 @@ Quor::ValidPtr<IpForwardMib> VrfMibs::ipforwardmibIs(const Quor::Name& name) {
 }
 Quor::Ptr<IpForwardMib> VrfMibs::ipforwardmibDel() {
   return childDel(ipforwardmib_, ipforwardmibAttr, &NotifieeConst::onIpforwardmib);
-}
-
-VrfMibsDir::~VrfMibsDir() {
-  for (auto it = mibs_.begin(); it; ++it) it->parentIs(nullptr);
-}
-
-Quor::String8 VrfMibsDir::attributeString(Quor::AttributeId id) const {
-  return attributeNameOf(vrfMibsDirAttributes, id);
-}
-
-Quor::Ptr<Quor::Entity> VrfMibsDir::childEntity(std::string_view attr, std::string_view key) const {
-  return attr == "mibs" ? mibs_.member(Quor::Name(key)) : nullptr;
-}
-
-Quor::ValidPtr<VrfMibs> VrfMibsDir::mibsIs(const Quor::Name& name) {
-  if (VrfMibs* existing = mibs_.member(name)) return existing;
-  auto made = Quor::makePtr<VrfMibs>(name);
-  made->parentIs(this);
-  made->parentAttrIdIs(firstAttributeId);
-  mibs_.memberIs(made);
-  mibsNotify(name);
-  return made;
-}
-
-Quor::Ptr<VrfMibs> VrfMibsDir::mibsDel(const Quor::Name& name) {
-  Quor::Ptr<VrfMibs> removed = mibs_.deleteMember(name);
-  if (!removed) return nullptr;
-  removed->parentIs(nullptr);
-  mibsNotify(name);
-  return removed;
-}
-
-void VrfMibsDir::mibsDelAll() {
-  while (VrfMibs* first = mibs_.firstMember()) mibsDel(first->name());
-}
-
-void VrfMibsDir::mibsNotify(const Quor::Name& name) const {
-  notify<NotifieeConst>(firstAttributeId, [&](NotifieeConst& n) { n.onMibs(name); });
 }
 
 }  // namespace IpSnmp

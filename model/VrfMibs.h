@@ -3,6 +3,7 @@
 // directory of them all.
 #include "model/IpForwardMib.h"
 #include "model/IpMib.h"
+#include "platform/quor/NotifyingDir.h"
 
 namespace IpSnmp {
 
@@ -40,31 +41,24 @@ class VrfMibs : public Quor::Entity, public Quor::HashLink {
   Quor::Ptr<IpForwardMib> ipforwardmib_;
 };
 
-class VrfMibsDir : public Quor::Entity {
+class VrfMibsDir : public Quor::NotifyingDir<VrfMibsDir, VrfMibs> {
  public:
-  using Mibs = Quor::HashMap<VrfMibs, Quor::Name>;
-
   class NotifieeConst : public Quor::Notifiee<VrfMibsDir> {
    public:
     virtual void onMibs(const Quor::Name&) {}
   };
+  static constexpr const char* attributeName = "mibs";
+  static constexpr auto onMember = &NotifieeConst::onMibs;
 
-  using Entity::Entity;
-  ~VrfMibsDir() override;
+  using NotifyingDir::NotifyingDir;
   const char* fwkType() const override { return "IpSnmp::VrfMibsDir"; }
-  Quor::String8 attributeString(Quor::AttributeId id) const override;
-  Quor::Ptr<Quor::Entity> childEntity(std::string_view attr, std::string_view key) const override;
 
-  const Mibs& mibs() const noexcept { return mibs_; }
-  VrfMibs* mibs(const Quor::Name& name) const { return mibs_.member(name); }
+  VrfMibs* mibs(const Quor::Name& name) const { return member(name); }
+  const Members& mibs() const noexcept { return members(); }
   // The pair of `name`, made when absent.
-  Quor::ValidPtr<VrfMibs> mibsIs(const Quor::Name& name);
-  Quor::Ptr<VrfMibs> mibsDel(const Quor::Name& name);
-  void mibsDelAll();
-
- private:
-  void mibsNotify(const Quor::Name& name) const;
-  Mibs mibs_;
+  Quor::ValidPtr<VrfMibs> mibsIs(const Quor::Name& name) { return memberIs(name); }
+  Quor::Ptr<VrfMibs> mibsDel(const Quor::Name& name) { return memberDel(name); }
+  void mibsDelAll() { memberDelAll(); }
 };
 
 }  // namespace IpSnmp

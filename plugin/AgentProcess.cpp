@@ -10,12 +10,13 @@
 #include "platform/quor/Trace.h"
 #include "platform/snmp/AgentLoop.h"
 #include "platform/snmp/ContextTeardown.h"
-#include "platform/snmp/HandlerRegistration.h"
 #include "platform/snmp/SnmpUtil.h"
 #include "platform/snmp/TraceToSnmpLog.h"
 #include "plugin/AgentContexts.h"
 #include "plugin/AgentStartup.h"
 #include "plugin/OperatorControls.h"
+#include "plugin/SubagentContexts.h"
+#include "plugin/VrfCommunities.h"
 #include "sources/linux/LinuxSource.h"
 #include "sources/scenario/ScenarioSource.h"
 
@@ -25,7 +26,7 @@ namespace {
 
 // What the agent runs, in the order it is built; members go in the reverse order.
 struct Agent {
-  explicit Agent(const std::string& scenarioPath);
+  Agent(const std::string& scenarioPath, VrfCommunities* vrfCommunities);
 
   Quor::Ptr<Quor::Dir> root;
   Morvane::Store store;
@@ -37,7 +38,11 @@ struct Agent {
 };
 
 std::unique_ptr<OperatorControls> controls;
+// In snmpd only: the sub-agent sees no community.
+std::unique_ptr<VrfCommunities> communities;
 std::unique_ptr<Agent> agent;
+// In the master of ipsnmp-subagent, instead of the agent.
+std::unique_ptr<SubagentContexts> subagentContexts;
 
 std::string environment(const char* name) {
   const char* value = std::getenv(name);
@@ -51,10 +56,11 @@ Quor::Name systemName() {
   return Quor::Name(name);
 }
 
-Agent::Agent(const std::string& scenarioPath)
+Agent::Agent(const std::string& scenarioPath, VrfCommunities* vrfCommunities)
     : root(Quor::makePtr<Quor::Dir>(systemName())),
       store(Morvane::buildStore(root)),
-      scenario(store, scenarioPath) {}
+      scenario(store, scenarioPath),
+      contexts(vrfCommunities) {}
 
 void feed(Agent& a, const std::string& scenarioPath) {
   if (environment("IPSNMP_SOURCE") == "linux") {
@@ -77,20 +83,26 @@ void prepare() {
   if (controls) return;
   Snmp::traceToSnmpLog();
   controls = std::make_unique<OperatorControls>();
+  if (!controls->inSubagent()) communities = std::make_unique<VrfCommunities>();
 }
 
 bool start() {
-  if (agent) return true;
+  if (agent || subagentContexts) return true;
   const std::string scenarioPath = environment("IPSNMP_SCENARIO");
   try {
     prepare();
-    agent = std::make_unique<Agent>(scenarioPath);
+    if (communities && controls->mode() == OperatorControls::Mode::master) {
+      subagentContexts = std::make_unique<SubagentContexts>(*communities);
+      snmp_log(LOG_INFO, "ipsnmp: master of sub-agents: serving no objects, following the contexts they register\n");
+      return true;
+    }
+    agent = std::make_unique<Agent>(scenarioPath, communities.get());
     SnmpUtil::rootIs(agent->root);
     feed(*agent, scenarioPath);
     // The containers exist before any registration takes its pointer; the VRF lifecycle opens the
     // other contexts as their VRFs come up, from here on.
     agent->machines = std::make_unique<AgentStartup>(agent->root, agent->store, &agent->contexts);
-    Snmp::registerAllInContext("");
+    agent->contexts.defaultContextIs();
   } catch (const std::exception& e) {
     snmp_log(LOG_ERR, "ipsnmp: start failed: %s\n", e.what());
     stop();
@@ -109,11 +121,13 @@ void configurationReset() {
 }
 
 void stop() {
+  subagentContexts.reset();
   // The machines first: the VRF lifecycle closes the VRFs' contexts as it goes.
   if (agent) agent->machines.reset();
   Snmp::unregisterHandlersOfThisLibrary();
   agent.reset();
   SnmpUtil::rootIs(nullptr);
+  communities.reset();
   controls.reset();
   Quor::traceSinkIs(nullptr);
 }

@@ -10,11 +10,12 @@
 // watched for edits; without it the built-in default scenario), TARN_ROOT (the shared-memory tables).
 namespace AgentProcess {
 
-// The configuration tokens, the Flitlog ring and its dump signal, before the agent's configuration
-// is read; start() does it when it has not been done.
+// The configuration tokens (in snmpd those of the VRFs' communities too), the Flitlog ring and its
+// dump signal, before the agent's configuration is read; start() does it when it has not been done.
 void prepare();
 // Builds and registers everything; on failure logs why, leaves nothing of the agent behind and
-// returns false. Does nothing while the agent runs.
+// returns false. Does nothing while the agent runs. In snmpd with "ipsnmpMode master" it builds no
+// agent and only follows the contexts that sub-agents register, for their communities.
 bool start();
 // Forgets what the configuration tokens said, before the configuration is read again.
 void configurationReset();

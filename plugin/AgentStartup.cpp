@@ -4,9 +4,6 @@
 
 namespace {
 
-// Table type of the tables that other processes write: shared memory.
-constexpr U32 sharedMemoryTables = 1;
-
 Quor::Ptr<Quor::Dir> dirIn(const Quor::Ptr<Quor::Dir>& parent, const char* name) {
   auto dir = Quor::makePtr<Quor::Dir>(Quor::Name(name));
   parent->entityPtrIs(dir);
@@ -46,26 +43,47 @@ AgentStartup::AgentStartup(const Quor::Ptr<Quor::Dir>& rootDir, const Morvane::S
   QuorTarn::Mount mount(entityManager, "");
   mount.handleInitialized();
   auto routeStatus = mounted<Tarn::Fib::RouteStatus>(mount, Tarn::Fib::defaultRoutePath,
-                                                     Tarn::Fib::TableInfo::routeInfo(sharedMemoryTables));
+                                                     Tarn::Fib::TableInfo::routeInfo());
   auto forwardingStatus = mounted<Tarn::Fib::ForwardingStatus>(mount, Tarn::Fib::defaultForwardingPath,
-                                                               Tarn::Fib::TableInfo::forwardingInfo(sharedMemoryTables));
+                                                               Tarn::Fib::TableInfo::forwardingInfo());
   auto arpTarn =
-      mounted<Arp::Table::Status>(mount, Arp::Table::statusPath, Arp::Table::TableInfo::arpInfo(sharedMemoryTables));
+      mounted<Arp::Table::Status>(mount, Arp::Table::statusPath, Arp::Table::TableInfo::arpInfo());
   auto vrfIdMap = mounted<Vrf::VrfIdMap::Status>(mount, Vrf::VrfIdMap::statusPath,
-                                                 Vrf::VrfIdMap::TableInfo::vrfIdMapInfo(sharedMemoryTables));
+                                                 Vrf::VrfIdMap::TableInfo::vrfIdMapInfo());
 
   root = IpSnmp::rootFactory(Quor::Name("ipsnmp"));
-  auto addresses = root->ipAddressTableSmIs(store.intfStatusDir, ipMib, store.ipConfig, store.ipStatus,
-                                            store.ip6Config, store.ip6Status);
+  auto addresses = root->ipAddressTableSmIs({.intfStatusDir = store.intfStatusDir,
+                                             .ipMib = ipMib,
+                                             .config = store.ipConfig,
+                                             .status = store.ipStatus,
+                                             .config6 = store.ip6Config,
+                                             .status6 = store.ip6Status});
   // Entries of VRF id 0 belong to the default VRF.
-  auto defaultArp = root->arpTableSmIs(store.intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::defaultVrfId);
-  root->ipRouteTableSmIs(ipForwardMib, store.intfStatusDir, routeStatus, forwardingStatus,
-                         Quor::activityManager()->clock());
-  root->vrfIfTableSmIs(ipVrfMib, store.intfStatusDir, store.ipConfig);
-  auto vrfRoots = root->vrfRootDirIs(Quor::Name("vrfroots"));
-  root->vrfRootSmIs(addresses, store.intfStatusDir, store.routingVrfConfigDir, store.routingVrfInfoDir, vrfMibsDir,
-                    vrfRoots, store.allVrfStatusLocal, store.allVrfConfig, store.snmpStatus, ipVrfMib, entityManager,
-                    arpTarn, vrfIdMap, defaultArp, contexts);
+  auto defaultArp = root->arpTableSmIs({.intfStatusDir = store.intfStatusDir,
+                                        .ipMib = ipMib,
+                                        .arpTarn = arpTarn,
+                                        .arpTarnVrfId = Vrf::VrfIdMap::defaultVrfId});
+  root->ipRouteTableSmIs({.ipForwardMib = ipForwardMib,
+                          .intfStatusDir = store.intfStatusDir,
+                          .routeStatus = routeStatus,
+                          .forwardingStatus = forwardingStatus,
+                          .clock = Quor::activityManager()->clock()});
+  root->vrfIfTableSmIs({.ipVrfMib = ipVrfMib, .intfStatusDir = store.intfStatusDir, .config = store.ipConfig});
+  root->vrfRootSmIs({.ipAddressTableSm = addresses,
+                     .intfStatusDir = store.intfStatusDir,
+                     .routingVrfConfigDir = store.routingVrfConfigDir,
+                     .routingVrfInfoDir = store.routingVrfInfoDir,
+                     .vrfMibsDir = vrfMibsDir,
+                     .vrfRootDir = root->vrfRootDirIs(Quor::Name("vrfroots")),
+                     .allVrfStatusLocal = store.allVrfStatusLocal,
+                     .allVrfConfig = store.allVrfConfig,
+                     .snmpStatus = store.snmpStatus,
+                     .ipVrfMib = ipVrfMib,
+                     .entityManager = entityManager,
+                     .arpTarn = arpTarn,
+                     .arpTarnVrfIdMap = vrfIdMap,
+                     .defaultVrfArpTableSm = defaultArp,
+                     .snmpContexts = contexts});
 }
 
 AgentStartup::~AgentStartup() {

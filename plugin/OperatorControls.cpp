@@ -20,6 +20,9 @@ namespace {
 
 const char* const traceToken = "ipsnmpTrace";
 const char* const flitlogFileToken = "ipsnmpFlitlogFile";
+const char* const modeToken = "ipsnmpMode";
+// A line of the master's snmpd.conf (VrfCommunities).
+const char* const vrfCommunityToken = "ipsnmpVrfCommunity";
 // Refused scenarios and applied ones belong in the agent's log in any case.
 const char* const alwaysOn = "Scenario:0-1";
 
@@ -54,7 +57,9 @@ std::string trimmed(const char* text) {
 
 }  // namespace
 
-OperatorControls::OperatorControls() : flitlogFile_(defaultFlitlogFile()) {
+OperatorControls::OperatorControls()
+    : flitlogFile_(defaultFlitlogFile()),
+      inSubagent_(netsnmp_ds_get_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE) != 0) {
   if (current) throw std::logic_error("the operator controls exist already");
   current = this;
   baselineTraces();
@@ -62,6 +67,13 @@ OperatorControls::OperatorControls() : flitlogFile_(defaultFlitlogFile()) {
                               "FACILITY[:LEVEL[-LEVEL]][,...]  switch ipsnmp trace facilities on");
   register_app_config_handler(flitlogFileToken, &OperatorControls::parseFlitlogFile,
                               &OperatorControls::releaseFlitlogFile, "PATH  where SIGUSR2 writes the Flitlog ring");
+  if (inSubagent_) {
+    for (const char* token : {modeToken, vrfCommunityToken})
+      register_app_config_handler(token, &OperatorControls::refuseMasterLine, nullptr, "(in the master's snmpd.conf)");
+  } else {
+    register_app_config_handler(modeToken, &OperatorControls::parseMode, &OperatorControls::releaseMode,
+                                "agent|master  serve the IP group, or only the communities of a sub-agent's VRFs");
+  }
   Flitlog::theTraceFile = &ring_;
   dumpRequest_ = std::make_unique<SignalWatch>(SIGUSR2, [this] {
     if (std::string error = flitlogDumped(); !error.empty())
@@ -74,6 +86,8 @@ OperatorControls::OperatorControls() : flitlogFile_(defaultFlitlogFile()) {
 OperatorControls::~OperatorControls() {
   dumpRequest_.reset();
   Flitlog::theTraceFile = nullptr;
+  if (inSubagent_) unregister_app_config_handler(vrfCommunityToken);
+  unregister_app_config_handler(modeToken);
   unregister_app_config_handler(flitlogFileToken);
   unregister_app_config_handler(traceToken);
   configurationReset();
@@ -101,6 +115,7 @@ std::string OperatorControls::flitlogDumped() const {
 void OperatorControls::configurationReset() {
   tracesOff();
   flitlogFile_ = defaultFlitlogFile();
+  mode_ = Mode::agent;
 }
 
 void OperatorControls::tracesOff() {
@@ -151,4 +166,24 @@ void OperatorControls::releaseTrace() { tracesOff(); }
 
 void OperatorControls::releaseFlitlogFile() {
   if (current) current->flitlogFile_ = defaultFlitlogFile();
+}
+
+void OperatorControls::parseMode(const char*, char* mode) {
+  const std::string text = trimmed(mode);
+  if (text != "agent" && text != "master") {
+    config_perror(("ipsnmpMode takes agent or master, not '" + text + "'").c_str());
+    return;
+  }
+  if (current) current->mode_ = text == "master" ? Mode::master : Mode::agent;
+}
+
+void OperatorControls::releaseMode() {
+  if (current) current->mode_ = Mode::agent;
+}
+
+void OperatorControls::refuseMasterLine(const char* token, char*) {
+  config_perror((std::string(token) +
+                 " belongs in snmpd.conf of the master agent, which loads the plug-in with \"ipsnmpMode master\": "
+                 "the sub-agent never sees a community")
+                    .c_str());
 }

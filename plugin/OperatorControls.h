@@ -5,7 +5,12 @@
 //   ipsnmpTrace SPEC          switches trace facilities on by name and level, e.g. "IpSnmp:0-9,Snmp:2";
 //                             several lines add up
 //   ipsnmpFlitlogFile PATH    where the Flitlog ring goes (default /var/tmp/ipsnmp-flitlog.<pid>)
+//   ipsnmpMode agent|master   in snmpd: serve the IP group (agent, the default), or, in the master
+//                             agent of ipsnmp-subagent, serve nothing and only give the contexts
+//                             that sub-agents register their communities (master; VrfCommunities)
 //
+// The sub-agent refuses ipsnmpMode and ipsnmpVrfCommunity with a word on where they belong: it never
+// sees a community.
 // and the Flitlog ring itself: the handlers' entry records, kept in memory and written whole to that
 // file when the process gets SIGUSR2, on the event loop. When the configuration is read again, or the
 // controls go, the facilities that the lines switched on go off first; what is on in any case (the
@@ -32,8 +37,12 @@ class OperatorControls {
   // the error, or nothing.
   std::string flitlogDumped() const;
   const std::string& flitlogFile() const noexcept { return flitlogFile_; }
+  enum class Mode { agent, master };
+  Mode mode() const noexcept { return mode_; }
+  // Whether the process is an AgentX sub-agent (net-snmp's role), rather than snmpd.
+  bool inSubagent() const noexcept { return inSubagent_; }
   // Forgets what the configuration said, as before a reading of it: traces off but the ones that are
-  // always on, the ring's file back to its default.
+  // always on, the ring's file and the mode back to their defaults.
   void configurationReset();
 
  private:
@@ -41,10 +50,15 @@ class OperatorControls {
   static void parseFlitlogFile(const char* token, char* path);
   static void releaseTrace();
   static void releaseFlitlogFile();
+  static void parseMode(const char* token, char* mode);
+  static void releaseMode();
+  static void refuseMasterLine(const char* token, char* line);
   // Switches off what the configuration switched on, and back on what is on in any case.
   static void tracesOff();
 
   Flitlog::RingBuf ring_{ringRecords};
   std::string flitlogFile_;
+  Mode mode_ = Mode::agent;
+  bool inSubagent_;
   std::unique_ptr<SignalWatch> dumpRequest_;
 };

@@ -32,8 +32,6 @@ class CollectionIterator {
   const Key& key() const { return cur_->fwkKey(); }
   const Map* collection() const noexcept { return map_; }
   U64 version() const noexcept { return version_; }
-  // Whether the iterator stands on a member whose key is not the default key.
-  bool hasBookmark() const { return cur_ && !(cur_->fwkKey() == Key()); }
 
   void advance() {
     if (!cur_) return;

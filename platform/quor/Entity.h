@@ -32,7 +32,6 @@ class Entity : public PtrInterface {
   String8 parentAttr() const;
   // "/a/b/c": the names from the root down to this entity.
   String8 fullName() const;
-  String8 uriPath() const { return fullName(); }
 
   // Reflection: the name of an attribute id ("unknown" when the class has none), and the reverse.
   virtual String8 attributeString(AttributeId id) const;
@@ -100,6 +99,16 @@ class Notifiee : public Reactor {
   Ptr<const N> notifier_;
 };
 
+// A new reactor R(args...) following `notifier` (a Ptr or a ValidPtr), or null when there is no
+// notifier to follow.
+template <class R, class P, class... Args>
+Ptr<R> reactorOn(const P& notifier, Args&&... args) {
+  if (!notifier.ptr()) return nullptr;
+  auto reactor = makePtr<R>(std::forward<Args>(args)...);
+  reactor->notifierIs(notifier.ptr());
+  return reactor;
+}
+
 template <class NC, class Call>
 void Entity::notify(AttributeId attr, Call&& call) const {
   if (notifiees_.empty()) return;
@@ -107,7 +116,6 @@ void Entity::notify(AttributeId attr, Call&& call) const {
   for (const Ptr<Reactor>& r : snapshot) {
     if (!r->listensTo(this)) continue;
     try {
-      Expect expected(0);
       call(static_cast<NC&>(*r));
     } catch (const std::exception&) {
       r->onNotificationException(attr);

@@ -36,23 +36,4 @@ class NameInUseException : public Exception {
 [[noreturn]] void throwRangeException(const std::string& text);
 [[noreturn]] void throwNameInUseException(const std::string& text);
 
-// Exception identifiers that a scope may declare as expected (see Expect).
-inline constexpr int rangeExceptionId = 12;
-inline constexpr int nameInUseExceptionId = 16;
-
-// Declares, for the length of a scope, which exception the code in it expects and handles itself.
-// It changes no behaviour: it documents the expectation and lets diagnostics tell it apart.
-class Expect {
- public:
-  explicit Expect(int exceptionId) : previous_(current_) { current_ = exceptionId; }
-  ~Expect() { current_ = previous_; }
-  Expect(const Expect&) = delete;
-  Expect& operator=(const Expect&) = delete;
-  static int current() { return current_; }
-
- private:
-  int previous_;
-  static inline thread_local int current_ = 0;
-};
-
 }  // namespace Quor

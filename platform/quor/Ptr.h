@@ -111,7 +111,8 @@ Ptr<T> makePtr(Args&&... args) {
 template <class T>
 class ValidPtr {
  public:
-  ValidPtr(const Ptr<T>& p) : p_(p) { check(); }
+  template <class U>
+  ValidPtr(const Ptr<U>& p) : p_(p) { check(); }
   ValidPtr(T* p) : p_(p) { check(); }
   template <class U>
   ValidPtr(const ValidPtr<U>& o) : p_(o.ptr()) {}

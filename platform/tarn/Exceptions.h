@@ -1,8 +1,8 @@
 #pragma once
 // Failures of the shared-memory tables.
 //
-// Brem::Exception is the base of what a table view raises about access: writing to a read-only view
-// (NoPermissionException) or asking for what it does not offer (UnimplementedException). A read that
+// Brem::Exception is the base of what a table view raises about access: asking for what it does not
+// offer (UnimplementedException). A read that
 // meets memory a writer has left unusable raises Tarn::CorruptionDetectedException; the table's
 // corruptionDetected(message) decides what follows.
 #include <string>
@@ -21,12 +21,6 @@ class Exception : public Quor::Exception {
 
  private:
   bool logged_;
-};
-
-class NoPermissionException : public Exception {
- public:
-  using Exception::Exception;
-  const char* name() const override { return "Brem::NoPermissionException"; }
 };
 
 class UnimplementedException : public Exception {

@@ -12,8 +12,8 @@ namespace QuorTarn {
 namespace {
 
 template <class Entity>
-MountInfo infoOf(U32 type) {
-  return MountInfo{Entity::typeName, tableTypeOf(type),
+MountInfo infoOf(Tarn::TableType type) {
+  return MountInfo{Entity::typeName, type,
                    [](const Quor::Name& name) { return Quor::Ptr<Tarn::TableEntity>(Quor::makePtr<Entity>(name)); }};
 }
 
@@ -29,12 +29,6 @@ bool staysBelowRoot(std::string_view path) {
 }
 
 }  // namespace
-
-Tarn::TableType tableTypeOf(U32 type) {
-  if (type > static_cast<U32>(Tarn::TableType::sharedMemory))
-    Quor::throwRangeException("unknown table type " + std::to_string(type));
-  return static_cast<Tarn::TableType>(type);
-}
 
 Mount::Mount(Quor::Ptr<const Morvane::EntityManager> entityManager, std::string prefix)
     : entityManager_(std::move(entityManager)), prefix_(std::move(prefix)) {
@@ -97,16 +91,16 @@ std::string forwardingPathOf(const L3::VrfName& vrf) {
   return vrfPath(vrf, defaultForwardingPath, vrfForwardingPathFormat);
 }
 
-QuorTarn::MountInfo TableInfo::routeInfo(U32 type) { return QuorTarn::infoOf<RouteStatus>(type); }
+QuorTarn::MountInfo TableInfo::routeInfo(Tarn::TableType type) { return QuorTarn::infoOf<RouteStatus>(type); }
 
-QuorTarn::MountInfo TableInfo::forwardingInfo(U32 type) { return QuorTarn::infoOf<ForwardingStatus>(type); }
+QuorTarn::MountInfo TableInfo::forwardingInfo(Tarn::TableType type) { return QuorTarn::infoOf<ForwardingStatus>(type); }
 
 }  // namespace Tarn::Fib
 
 namespace Arp::Table {
-QuorTarn::MountInfo TableInfo::arpInfo(U32 type) { return QuorTarn::infoOf<Status>(type); }
+QuorTarn::MountInfo TableInfo::arpInfo(Tarn::TableType type) { return QuorTarn::infoOf<Status>(type); }
 }  // namespace Arp::Table
 
 namespace Vrf::VrfIdMap {
-QuorTarn::MountInfo TableInfo::vrfIdMapInfo(U32 type) { return QuorTarn::infoOf<Status>(type); }
+QuorTarn::MountInfo TableInfo::vrfIdMapInfo(Tarn::TableType type) { return QuorTarn::infoOf<Status>(type); }
 }  // namespace Vrf::VrfIdMap

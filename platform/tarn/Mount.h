@@ -49,9 +49,6 @@ class Mount {
   bool initialized_ = false;
 };
 
-// The table type of a mount description from its number: 0 in-process, 1 shared memory.
-Tarn::TableType tableTypeOf(U32 type);
-
 }  // namespace QuorTarn
 
 namespace Tarn::Fib {
@@ -65,8 +62,8 @@ std::string routePathOf(const L3::VrfName& vrf);
 std::string forwardingPathOf(const L3::VrfName& vrf);
 
 struct TableInfo {
-  static QuorTarn::MountInfo routeInfo(U32 type);
-  static QuorTarn::MountInfo forwardingInfo(U32 type);
+  static QuorTarn::MountInfo routeInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
+  static QuorTarn::MountInfo forwardingInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
 };
 
 }  // namespace Tarn::Fib
@@ -76,7 +73,7 @@ namespace Arp::Table {
 inline constexpr const char* statusPath = "arp/status";
 
 struct TableInfo {
-  static QuorTarn::MountInfo arpInfo(U32 type);
+  static QuorTarn::MountInfo arpInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
 };
 
 }  // namespace Arp::Table
@@ -86,7 +83,7 @@ namespace Vrf::VrfIdMap {
 inline constexpr const char* statusPath = "vrf/idmap";
 
 struct TableInfo {
-  static QuorTarn::MountInfo vrfIdMapInfo(U32 type);
+  static QuorTarn::MountInfo vrfIdMapInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
 };
 
 }  // namespace Vrf::VrfIdMap

@@ -117,7 +117,9 @@ TableWriter::TableWriter(std::string path, std::string_view type, const TableGeo
   fd_ = std::move(fresher);
 }
 
-TableWriter::~TableWriter() { commit(); }
+// A batch left open is ended: its records are written already; a doorbell that fails here only
+// leaves readers to notice at their next wake-up.
+TableWriter::~TableWriter() { endBatch(); }
 
 // Maps a well-formed file and checks every slot: a file with a damaged record is not taken over.
 // The counts are recounted, because a writer killed between a slot and its count leaves them off.
@@ -205,14 +207,17 @@ void TableWriter::openBatch() {
 }
 
 void TableWriter::commit() {
-  if (!batchOpen_) return;
+  if (!endBatch()) throwSystemError("pwrite", path_);
+}
+
+bool TableWriter::endBatch() noexcept {
+  if (!batchOpen_) return true;
   FileHeader& h = memory_.header();
   h.commitSeq.fetch_add(1, std::memory_order_release);
   batchOpen_ = false;
   // A write(2) into the file, unlike a store through the mapping, is what inotify reports.
   U64 ring = h.doorbell + 1;
-  if (::pwrite(fd_.get(), &ring, sizeof ring, offsetof(FileHeader, doorbell)) != sizeof ring)
-    throwSystemError("pwrite", path_);
+  return ::pwrite(fd_.get(), &ring, sizeof ring, offsetof(FileHeader, doorbell)) == sizeof ring;
 }
 
 void TableWriter::writeSlot(U32 slot, SlotState state, const void* record) {

@@ -60,6 +60,8 @@ class TableWriter {
   const std::byte* recordOf(U32 slot) const;
   void writeSlot(U32 slot, SlotState state, const void* record);
   void openBatch();
+  // commit() without raising: false when the readers' doorbell could not be rung.
+  bool endBatch() noexcept;
   void reclaimTombstonesBefore(U32 slot);
   void compactIfCrowded();
   U32 next(U32 slot) const noexcept { return slot + 1 == geometry_.capacity ? 0 : slot + 1; }

@@ -18,9 +18,6 @@ class TarnBaseDummy {
   bool next() const { return stub("TarnBaseDummy::next() "), false; }
   void initialize() const { stub("TarnBaseDummy::initialize() "); }
   void detach() const { stub("TarnBaseDummy::detach() "); }
-  void validate() const { stub("TarnBaseDummy::validate() "); }
-  void validateFiles() const { stub("TarnBaseDummy::validateFiles() "); }
-  void cleanup() const { stub("TarnBaseDummy::cleanup() "); }
   U32 members() const { return stub("TarnBaseDummy::members() "), 0; }
   U32 maxSize() const { return stub("TarnBaseDummy::maxSize() "), 0; }
   U32 capacity() const { return stub("TarnBaseDummy::capacity() "), 0; }

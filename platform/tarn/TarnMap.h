@@ -11,7 +11,7 @@
 // default), detaches to the stub and records the case; the view comes back by itself when the writer
 // has built a new file. A view that does not tolerate corruption raises the exception again.
 //
-// Writing through a view is refused with Brem::NoPermissionException.
+// A view has no write operations: only the table's writer, another process, changes it.
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -142,18 +142,6 @@ class TarnMap {
   // A policy of this reader, not a change of the table, hence settable through a const view.
   void toleratesCorruptionIs(bool tolerates) const noexcept { toleratesCorruption_ = tolerates; }
 
-  // A view is read-only.
-  [[noreturn]] void directCommit() const { refuse("write to read-only Tarn table"); }
-  [[noreturn]] void directWrite(const V&) const { refuse("write to read-only Tarn table"); }
-  [[noreturn]] void write(const V&) const { refuse("write to read-only Tarn table"); }
-  [[noreturn]] void remove(const K&) const { refuse("remove to read-only Tarn table"); }
-  [[noreturn]] void cleanup() const { refuse("cleanup to read-only Tarn table"); }
-  [[noreturn]] void validate() const { refuse("validate to read-only Tarn table"); }
-  [[noreturn]] void validateFiles() const { refuse("validateFiles to read-only Tarn table"); }
-  [[noreturn]] void writerCounters() const {
-    throw Brem::UnimplementedException("writerCounters() not implemented");
-  }
-
   // Wiring, for the entity that holds the view and for its backend.
   void backendIs(std::unique_ptr<Backend> backend) {
     if (backend_) backend_->detach(false);
@@ -175,7 +163,6 @@ class TarnMap {
 
  private:
   bool live() const noexcept { return backend_ && !detached_ && backend_->mapped(); }
-  [[noreturn]] static void refuse(const char* text) { throw Brem::NoPermissionException(text); }
 
   TarnBaseDummy dummy_;
   std::unique_ptr<Backend> backend_;

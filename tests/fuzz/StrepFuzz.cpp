@@ -22,7 +22,6 @@ template <class T>
 void readBack(const Quor::String8& text) {
   std::optional<T> value;
   try {
-    Quor::Expect expected(Quor::rangeExceptionId);
     value.emplace(Quor::strepToValue<T>(text));
   } catch (const Quor::RangeException&) {
     return;

@@ -111,6 +111,13 @@ std::string AgentUnderTest::log() const {
   return text.str();
 }
 
+std::size_t AgentUnderTest::logCount(const std::string& text) const {
+  const std::string all = log();
+  std::size_t count = 0;
+  for (auto at = all.find(text); at != std::string::npos; at = all.find(text, at + 1)) ++count;
+  return count;
+}
+
 std::string AgentUnderTest::diagnostics() const {
   return std::string("agent: the ") + agentModeName(mode_) + "\nlauncher output:\n" + process_->output() + "\nsnmpd log:\n" + log();
 }

@@ -48,6 +48,8 @@ class AgentUnderTest {
   void scenarioIs(const std::string& scenario);
   // snmpd's log, the plug-in's messages among it.
   std::string log() const;
+  // How often the log says `text`.
+  std::size_t logCount(const std::string& text) const;
   // What a failing test prints: the launcher's output and the log.
   std::string diagnostics() const;
 

@@ -6,8 +6,7 @@
 
 #include <memory>
 
-#include "AgentUnderTest.h"
-#include "Eventually.h"
+#include "AgentTest.h"
 
 namespace IntegrationTest {
 namespace {
@@ -19,17 +18,14 @@ const char* const scenario =
     "  Ethernet1:\n    ifIndex: 1\n    config: { ipv4: 10.0.1.1/24 }\n    status: { ipv4: 10.0.1.1/24 }\n"
     "snmp:\n  initialized: true\n";
 
-class OperatorControlsTest : public ::testing::TestWithParam<AgentMode> {
+class OperatorControlsTest : public AgentModesTest {
  protected:
   void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+    AgentModesTest::SetUp();
+    if (IsSkipped()) return;
     agent = std::make_unique<AgentUnderTest>(scenario, "", GetParam());
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
   }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 TEST_P(OperatorControlsTest, TraceOptionSwitchesOnTheNamedFacilityAndLevelsOnly) {
@@ -54,10 +50,7 @@ TEST_P(OperatorControlsTest, SignalWritesTheFlitlogRingOfTheHandlersThatRan) {
   EXPECT_TRUE(agent->running());
 }
 
-INSTANTIATE_TEST_SUITE_P(BothModes, OperatorControlsTest, ::testing::Values(AgentMode::plugin, AgentMode::subagent),
-                         [](const ::testing::TestParamInfo<AgentMode>& mode) {
-                           return mode.param == AgentMode::plugin ? "Plugin" : "Subagent";
-                         });
+BOTH_AGENT_MODES(OperatorControlsTest);
 
 }  // namespace
 }  // namespace IntegrationTest

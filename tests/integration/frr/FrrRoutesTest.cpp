@@ -135,10 +135,10 @@ std::size_t countOf(const std::set<std::string>& rows, const std::function<bool(
   return static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), matches));
 }
 
-class FrrRoutes : public AgentTest, public testing::WithParamInterface<int> {
+class FrrRoutes : public AgentTestOf<testing::TestWithParam<int>> {
  protected:
   void SetUp() override {
-    AgentTest::SetUp();
+    AgentTestOf::SetUp();
     if (IsSkipped()) return;
     if (::geteuid() != 0) GTEST_SKIP() << "needs root, for network namespaces and FRR";
     if (!FrrRouter::installed()) GTEST_SKIP() << "FRR is not installed (scripts/install-deps installs Debian's frr)";
@@ -158,7 +158,7 @@ class FrrRoutes : public AgentTest, public testing::WithParamInterface<int> {
     if (HasFailure())
       for (const auto& router : {&receiving, &announcing, &vrfRouter})
         if (*router) std::cerr << (*router)->logs();
-    AgentTest::TearDown();
+    AgentTestOf::TearDown();
     agent.reset();
     receiving.reset();
     announcing.reset();

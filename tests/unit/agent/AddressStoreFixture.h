@@ -17,7 +17,7 @@ namespace IpSnmp {
 class AddressStoreFixture : public ::testing::Test {
  protected:
   void start() {
-    sm = Quor::makePtr<IpAddressTableSm>(intfStatusDir, ipMib, config, status, config6, status6);
+    sm = Quor::makePtr<IpAddressTableSm>(IpAddressTableSm::Inputs{intfStatusDir, ipMib, config, status, config6, status6});
   }
 
   // The interface exists with this index; a new status object each time, as the store makes it.

@@ -19,7 +19,7 @@ const VrfId unknown = Vrf::VrfIdMap::unknownVrfId;
 
 class ArpMachine : public ::testing::Test {
  protected:
-  void start(VrfId id) { sm = Quor::makePtr<ArpTableSm>(intfStatusDir, ipMib, arpTarn, id); }
+  void start(VrfId id) { sm = Quor::makePtr<ArpTableSm>(ArpTableSm::Inputs{intfStatusDir, ipMib, arpTarn, id}); }
   void intfUp(const char* name, S32 ifIndex, const char* kind = "ethernet") {
     intfStatusDir->intfStatusIs(Quor::makePtr<Interface::IntfStatus>(Pelt::IntfId(name), Quor::Name(kind), ifIndex));
   }

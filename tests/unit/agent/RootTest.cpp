@@ -27,7 +27,7 @@ class RootMachines : public ::testing::Test {
     return entry;
   }
   Quor::Ptr<IpRouteTableSm> routeMachine(const Quor::Ptr<const Quor::Clock>& withClock) {
-    return root->ipRouteTableSmIs(ipForwardMib, intfStatusDir, routes, fecs, withClock);
+    return root->ipRouteTableSmIs({ipForwardMib, intfStatusDir, routes, fecs, withClock});
   }
 
   Quor::Ptr<Interface::AllIntfStatusDir> intfStatusDir =
@@ -64,15 +64,15 @@ TEST_F(RootMachines, TheSameParametersReturnTheSameMachineWithoutANewFirstPass) 
 }
 
 TEST_F(RootMachines, AnotherVrfIdReplacesTheArpMachine) {
-  Quor::Ptr<ArpTableSm> first = root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, VrfId(0));
-  EXPECT_EQ(root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, VrfId(0)).ptr(), first.ptr());
-  Quor::Ptr<ArpTableSm> replaced = root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, VrfId(7));
+  Quor::Ptr<ArpTableSm> first = root->arpTableSmIs({intfStatusDir, ipMib, arpTarn, VrfId(0)});
+  EXPECT_EQ(root->arpTableSmIs({intfStatusDir, ipMib, arpTarn, VrfId(0)}).ptr(), first.ptr());
+  Quor::Ptr<ArpTableSm> replaced = root->arpTableSmIs({intfStatusDir, ipMib, arpTarn, VrfId(7)});
   EXPECT_NE(replaced, first);
   EXPECT_EQ(replaced->arpTarnVrfId(), VrfId(7));
   EXPECT_EQ(root->arpTableSm(), replaced);
   EXPECT_EQ(root->arpTableSmDel(), replaced);
   EXPECT_EQ(root->arpTableSm(), nullptr);
-  EXPECT_NE(root->arpTableSmIs(intfStatusDir, ipMib, arpTarn, VrfId(7)).ptr(), replaced.ptr()) << "after Del, a new one";
+  EXPECT_NE(root->arpTableSmIs({intfStatusDir, ipMib, arpTarn, VrfId(7)}).ptr(), replaced.ptr()) << "after Del, a new one";
 }
 
 TEST_F(RootMachines, TwoVrfRootsOwnDistinctMachinesAndDeletingOneLeavesTheOthersTables) {
@@ -82,10 +82,10 @@ TEST_F(RootMachines, TwoVrfRootsOwnDistinctMachinesAndDeletingOneLeavesTheOthers
   auto blueMib = Quor::makePtr<IpMib>(Quor::Name("blue"));
   Quor::Ptr<VrfRoot> red = dir->vrfRootIs(Quor::Name("red"));
   Quor::Ptr<VrfRoot> blue = dir->vrfRootIs(Quor::Name("blue"));
-  Quor::Ptr<ArpTableSm> redArp = red->arpTableSmIs(intfStatusDir, redMib, arpTarn, VrfId(7));
-  Quor::Ptr<ArpTableSm> blueArp = blue->arpTableSmIs(intfStatusDir, blueMib, arpTarn, VrfId(9));
-  Quor::Ptr<IpRouteTableSm> redRoutes = red->ipRouteTableSmIs(Quor::makePtr<IpForwardMib>(Quor::Name("red")), intfStatusDir, routes, fecs, clock);
-  Quor::Ptr<IpRouteTableSm> blueRoutes = blue->ipRouteTableSmIs(ipForwardMib, intfStatusDir, routes, fecs, clock);
+  Quor::Ptr<ArpTableSm> redArp = red->arpTableSmIs({intfStatusDir, redMib, arpTarn, VrfId(7)});
+  Quor::Ptr<ArpTableSm> blueArp = blue->arpTableSmIs({intfStatusDir, blueMib, arpTarn, VrfId(9)});
+  Quor::Ptr<IpRouteTableSm> redRoutes = red->ipRouteTableSmIs({Quor::makePtr<IpForwardMib>(Quor::Name("red")), intfStatusDir, routes, fecs, clock});
+  Quor::Ptr<IpRouteTableSm> blueRoutes = blue->ipRouteTableSmIs({ipForwardMib, intfStatusDir, routes, fecs, clock});
   EXPECT_NE(redArp, blueArp);
   EXPECT_NE(redRoutes, blueRoutes);
   redArp->addArpEntry(neighbourIs(7, "10.0.0.7"));

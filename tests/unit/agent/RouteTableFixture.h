@@ -27,7 +27,7 @@ class RouteTableFixture : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  void start() { sm = Quor::makePtr<IpRouteTableSm>(ipForwardMib, intfStatusDir, routes, fecs, clock); }
+  void start() { sm = Quor::makePtr<IpRouteTableSm>(IpRouteTableSm::Inputs{ipForwardMib, intfStatusDir, routes, fecs, clock}); }
   // Lets the clock run what is due, as the event loop does between requests.
   void runClock() { clock->runDue(); }
   static void timePasses(double seconds) { fakeNow += seconds; }

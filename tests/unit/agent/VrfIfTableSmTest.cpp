@@ -22,7 +22,7 @@ class VrfIfTableSmTest : public ::testing::Test {
   void status(const char* name, S32 ifIndex) {
     intfStatusDir->intfStatusIs(Quor::makePtr<Interface::IntfStatus>(Pelt::IntfId(name), Quor::Name("ethernet"), ifIndex));
   }
-  Quor::Ptr<VrfIfTableSm> machine() { return Quor::makePtr<VrfIfTableSm>(ipVrfMib, intfStatusDir, config); }
+  Quor::Ptr<VrfIfTableSm> machine() { return Quor::makePtr<VrfIfTableSm>(VrfIfTableSm::Inputs{ipVrfMib, intfStatusDir, config}); }
   std::string vrfOfRow(U32 ifIndex) {
     VrfIfTableEntry* row = ipVrfMib->vrfIfTable(ifIndex);
     return row ? row->vrfName().str() : "<no row>";

@@ -10,7 +10,7 @@ namespace IpSnmp {
 namespace {
 
 // Table type of the tables that a test holds in the process.
-constexpr U32 inProcessTables = 0;
+constexpr Tarn::TableType inProcessTables = Tarn::TableType::inProcess;
 
 QuorTarn::Mount mountOn(const Quor::Ptr<Morvane::EntityManager>& entityManager) {
   QuorTarn::Mount mount(entityManager, "");
@@ -35,14 +35,14 @@ void VrfLifecycle::TearDown() {
 
 void VrfLifecycle::start() {
   root = rootFactory(Quor::Name("ipsnmp"));
-  addresses = root->ipAddressTableSmIs(store.intfStatusDir, ipMib, store.ipConfig, store.ipStatus,
-                                            store.ip6Config, store.ip6Status);
-  auto defaultArp = root->arpTableSmIs(store.intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::defaultVrfId);
-  root->vrfIfTableSmIs(ipVrfMib, store.intfStatusDir, store.ipConfig);
+  addresses = root->ipAddressTableSmIs(
+      {store.intfStatusDir, ipMib, store.ipConfig, store.ipStatus, store.ip6Config, store.ip6Status});
+  auto defaultArp = root->arpTableSmIs({store.intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::defaultVrfId});
+  root->vrfIfTableSmIs({ipVrfMib, store.intfStatusDir, store.ipConfig});
   vrfRoots = root->vrfRootDirIs(Quor::Name("vrfroots"));
-  root->vrfRootSmIs(addresses, store.intfStatusDir, store.routingVrfConfigDir, store.routingVrfInfoDir, vrfMibsDir,
-                    vrfRoots, store.allVrfStatusLocal, store.allVrfConfig, store.snmpStatus, ipVrfMib,
-                    store.entityManager, arpTarn, vrfIds, defaultArp, &contexts);
+  root->vrfRootSmIs({addresses, store.intfStatusDir, store.routingVrfConfigDir, store.routingVrfInfoDir, vrfMibsDir,
+                     vrfRoots, store.allVrfStatusLocal, store.allVrfConfig, store.snmpStatus, ipVrfMib,
+                     store.entityManager, arpTarn, vrfIds, defaultArp, &contexts});
 }
 
 void VrfLifecycle::routingConfigIs(const std::string& vrf) {

@@ -62,7 +62,7 @@ class AgentStartupTest : public ::testing::Test {
   std::filesystem::path tables;
   Quor::Ptr<Quor::Dir> root = Quor::makePtr<Quor::Dir>(Quor::Name("switch"));
   Morvane::Store store = Morvane::buildStore(root);
-  AgentContexts contexts;
+  AgentContexts contexts{nullptr};
   std::unique_ptr<AgentStartup> agent;
 };
 

@@ -44,23 +44,23 @@ class Mounts : public TarnTest::TableDir {
 TEST_F(Mounts, AMountedTableIsFoundByEveryMountOnTheManagerAndReadsItsFile) {
   std::string path = Quor::format(Tarn::Fib::vrfRoutePathFormat, "red").str();
   writeRoute(path);
-  mount().doMount(path, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(1));
+  mount().doMount(path, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
   auto routes = Quor::dynamicPtrCast<Tarn::Fib::RouteStatus>(mount().getEntity(path));
   ASSERT_TRUE(routes);
   EXPECT_EQ(routes->route().mountStatus(), Tarn::MountStatus::mapped);
   EXPECT_EQ(routes->route().lookup(Pelt::Prefix("10.0.0.0/8")).value().fecId, Tarn::Fib::FecId(5));
   EXPECT_EQ(routes->route().name(), "routing/vrf/status/red/route");
   // A second mount of the same type changes nothing; one of another type is a conflict.
-  mount().doMount(path, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(1));
+  mount().doMount(path, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
   EXPECT_EQ(mount().getEntity(path), Quor::Ptr<Quor::Entity>(routes));
-  EXPECT_THROW(mount().doMount(path, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo(1)),
+  EXPECT_THROW(mount().doMount(path, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo()),
                Quor::NameInUseException);
 }
 
 TEST_F(Mounts, AfterAnUnmountTheHeldEntityReadsAsTheStub) {
   writeRoute(Tarn::Fib::defaultRoutePath);
   QuorTarn::Mount m = mount();
-  m.doMount(Tarn::Fib::defaultRoutePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(1));
+  m.doMount(Tarn::Fib::defaultRoutePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
   auto held = Quor::dynamicPtrCast<Tarn::Fib::RouteStatus>(m.getEntity(Tarn::Fib::defaultRoutePath));
   EXPECT_TRUE(m.doUnmount(Tarn::Fib::defaultRoutePath));
   EXPECT_FALSE(m.doUnmount(Tarn::Fib::defaultRoutePath));
@@ -71,16 +71,16 @@ TEST_F(Mounts, AfterAnUnmountTheHeldEntityReadsAsTheStub) {
   EXPECT_EQ(held->route().mountStatus(), Tarn::MountStatus::detached);
   EXPECT_NE(trace.str().find("TarnBaseDummy::lookup() routing/status/route"), std::string::npos) << trace.str();
   // Mounted again, the path has a fresh entity on the same file.
-  m.doMount(Tarn::Fib::defaultRoutePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(1));
+  m.doMount(Tarn::Fib::defaultRoutePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
   auto again = Quor::dynamicPtrCast<Tarn::Fib::RouteStatus>(m.getEntity(Tarn::Fib::defaultRoutePath));
   EXPECT_TRUE(again->route().lookup(Pelt::Prefix("10.0.0.0/8")).found());
 }
 
 TEST_F(Mounts, EachTableFamilyMountsItsEntityAtItsFixedPath) {
   QuorTarn::Mount m = mount();
-  m.doMount(Tarn::Fib::defaultForwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo(1));
-  m.doMount(Arp::Table::statusPath, "Arp::Table::Status", Arp::Table::TableInfo::arpInfo(0));
-  m.doMount(Vrf::VrfIdMap::statusPath, "Vrf::VrfIdMap::Status", Vrf::VrfIdMap::TableInfo::vrfIdMapInfo(1));
+  m.doMount(Tarn::Fib::defaultForwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo());
+  m.doMount(Arp::Table::statusPath, "Arp::Table::Status", Arp::Table::TableInfo::arpInfo(Tarn::TableType::inProcess));
+  m.doMount(Vrf::VrfIdMap::statusPath, "Vrf::VrfIdMap::Status", Vrf::VrfIdMap::TableInfo::vrfIdMapInfo());
   auto fecs = Quor::dynamicPtrCast<Tarn::Fib::ForwardingStatus>(m.getEntity("forwarding/status"));
   auto arp = Quor::dynamicPtrCast<Arp::Table::Status>(m.getEntity("arp/status"));
   auto vrfIds = Quor::dynamicPtrCast<Vrf::VrfIdMap::Status>(m.getEntity("vrf/idmap"));
@@ -94,13 +94,12 @@ TEST_F(Mounts, EachTableFamilyMountsItsEntityAtItsFixedPath) {
 TEST_F(Mounts, MisuseIsRefused) {
   QuorTarn::Mount early(store_.entityManager, "");
   EXPECT_THROW(early.getEntity("routing/status"), Quor::RangeException);
-  EXPECT_THROW(Tarn::Fib::TableInfo::routeInfo(2), Quor::RangeException);
   QuorTarn::Mount m = mount();
-  EXPECT_THROW(m.doMount("routing/status", "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::routeInfo(1)),
+  EXPECT_THROW(m.doMount("routing/status", "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::routeInfo()),
                Quor::RangeException);
   // A VRF name is anything; it must not lead the files out of the table root.
   std::string escape = Quor::format(Tarn::Fib::vrfRoutePathFormat, "../../../etc").str();
-  EXPECT_THROW(m.doMount(escape, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo(1)), Quor::RangeException);
+  EXPECT_THROW(m.doMount(escape, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo()), Quor::RangeException);
   EXPECT_EQ(m.getEntity(escape), nullptr);
 }
 

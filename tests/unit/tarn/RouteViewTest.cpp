@@ -92,29 +92,6 @@ TEST_F(RouteView, AnUnmappedTableReadsAsEmptyAndTracesItsStub) {
   EXPECT_NE(trace.str().find("Tarn/5 TarnBaseDummy::members() red/route"), std::string::npos);
 }
 
-TEST_F(RouteView, WritingThroughAViewIsRefused) {
-  const auto& view = status_->route();
-  try {
-    view.write(route("10.0.0.0/8", 1));
-    FAIL();
-  } catch (const Brem::NoPermissionException& e) {
-    EXPECT_EQ(e.text(), "write to read-only Tarn table");
-    EXPECT_STREQ(e.name(), "Brem::NoPermissionException");
-  }
-  EXPECT_THROW(view.remove(Pelt::Prefix("10.0.0.0/8")), Brem::NoPermissionException);
-  try {
-    view.validateFiles();
-  } catch (const Brem::NoPermissionException& e) {
-    EXPECT_EQ(e.text(), "validateFiles to read-only Tarn table");
-  }
-  try {
-    view.writerCounters();
-  } catch (const Brem::UnimplementedException& e) {
-    EXPECT_EQ(e.text(), "writerCounters() not implemented");
-    EXPECT_STREQ(e.name(), "Brem::UnimplementedException");
-  }
-}
-
 TEST_F(RouteView, AMappedTableAnswersLookupsAndWalks) {
   RouteWriter writer(path("route"));
   writer.put(route("10.0.0.0/8", 1));

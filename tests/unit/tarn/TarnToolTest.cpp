@@ -42,7 +42,7 @@ class TarnTool : public TarnTest::TableDir {
 
 TEST_F(TarnTool, WritesWhatTheMountedViewsReadAndTheirReactorsHear) {
   ASSERT_EQ(tool("route put 10.0.0.0/8 5 metric=3 preference=20 type=4").status, 0);
-  auto routes = mounted<Tarn::Fib::RouteStatus>("routing/status", Tarn::Fib::TableInfo::routeInfo(1));
+  auto routes = mounted<Tarn::Fib::RouteStatus>("routing/status", Tarn::Fib::TableInfo::routeInfo());
   Tarn::Fib::Route r = routes->route().lookup(Pelt::Prefix("10.0.0.0/8")).value();
   EXPECT_EQ(r.fecId, Tarn::Fib::FecId(5));
   EXPECT_EQ(r.metric, Routing::RouteMetric(3));
@@ -54,14 +54,14 @@ TEST_F(TarnTool, WritesWhatTheMountedViewsReadAndTheirReactorsHear) {
   ASSERT_EQ(tool("--vrf red fec put 5" + vias).status, 0);
   ASSERT_EQ(tool("arp put 7 Vlan10 fe80::1 00:1c:73:00:00:09 static").status, 0);
   ASSERT_EQ(tool("vrf put 7 red").status, 0);
-  auto fecs = mounted<Tarn::Fib::ForwardingStatus>("forwarding/vrf/status/red", Tarn::Fib::TableInfo::forwardingInfo(1));
+  auto fecs = mounted<Tarn::Fib::ForwardingStatus>("forwarding/vrf/status/red", Tarn::Fib::TableInfo::forwardingInfo());
   Tarn::Fib::Fec fec = fecs->fec().lookup(Tarn::Fib::FecId(5)).value();
   ASSERT_EQ(fec.viaCount, 20u);
   EXPECT_EQ(fec.via(Tarn::Fib::ViaIndex(19)).intfId, Pelt::IntfId("Ethernet19"));
-  auto arp = mounted<Arp::Table::Status>("arp/status", Arp::Table::TableInfo::arpInfo(1));
+  auto arp = mounted<Arp::Table::Status>("arp/status", Arp::Table::TableInfo::arpInfo());
   Arp::Table::ArpKey key{Vrf::VrfIdMap::VrfId(7), Pelt::IntfId("Vlan10"), *Pelt::Ip6Addr::parse("fe80::1")};
   EXPECT_TRUE(arp->arpEntry().lookup(key).value().isStatic);
-  auto vrfIds = mounted<Vrf::VrfIdMap::Status>("vrf/idmap", Vrf::VrfIdMap::TableInfo::vrfIdMapInfo(1));
+  auto vrfIds = mounted<Vrf::VrfIdMap::Status>("vrf/idmap", Vrf::VrfIdMap::TableInfo::vrfIdMapInfo());
   EXPECT_EQ(vrfIds->vrfEntry().lookup(Vrf::VrfIdMap::VrfId(7)).value().vrfName(), L3::VrfName("red"));
 
   class Heard : public Tarn::Fib::RouteStatus::NotifieeConst {
