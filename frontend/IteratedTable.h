@@ -19,19 +19,8 @@
 // helper would pass over anyway, and the helper still stops at the first row above the index. A hint
 // can only shorten a search, never change its answer.
 //
-// A table's traits (struct T) give:
-//   name, keyName                   "ipAddrTable", "Pelt::IpAddr" (the key's name in traces)
-//   Container, collection(c)        the entity in iinfo->myvoid and its collection
-//   hinted                          whether get_first_data_point reads a hint
-//   Components, componentNames      index components for the hint: IndexComponents.h kinds
-//   keyOf(values...)                the key of the parsed components
-//   writeIndex(key, IndexWriter&)   the index varbinds of the row of a key, in key order
-//   lastKeyOfIndex(key)             optional: the greatest key that writes the same index as `key`,
-//                                   for a table whose index leaves a part of its key out
-//   bufferSize                      the handler's conversion buffer
-//   isColumn(colnum)                the columns served
-//   column(colnum, row, buffer)     one column's value (ColumnValue)
-//   refusedByName(colnum)           the column's name when a SET of it is "not configured", else null
+// A table's traits are a struct of static members: the concept IteratedTableTraits below says which.
+#include <concepts>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -104,7 +93,35 @@ int columnOf(netsnmp_request_info* request);
 void invalidColumn(const char* table, netsnmp_request_info* request, int colnum);
 }  // namespace TableHandler
 
+// The contract of a table's traits T.
 template <class T>
+concept IteratedTableTraits = requires(const typename T::Container& container, int colnum, unsigned char* buffer,
+                                       IndexWriter& writer) {
+  // "ipAddrTable", and the key's name in traces ("Pelt::IpAddr").
+  { T::name } -> std::convertible_to<const char*>;
+  { T::keyName } -> std::convertible_to<const char*>;
+  // The ordered collection of the container that iinfo->myvoid holds, walked in key order.
+  typename std::remove_cvref_t<decltype(T::collection(container))>::IteratorConst;
+  // The index varbinds of the row of a key; for the keys the table holds, key order is index order.
+  T::writeIndex(T::collection(container).begin().key(), writer);
+  // The handler's conversion buffer, the columns served, one column's value, and the column's name
+  // when a SET of it is "not configured" (else null).
+  { T::bufferSize } -> std::convertible_to<int>;
+  { T::isColumn(colnum) } -> std::same_as<bool>;
+  { T::column(colnum, *T::collection(container).begin(), buffer) } -> std::same_as<ColumnValue>;
+  { T::refusedByName(colnum) } -> std::convertible_to<const char*>;
+  // Whether get_first_data_point reads a hint; a hinted table gives its index components (kinds of
+  // IndexComponents.h) with their names, and keyOf(values...), the key of the parsed components.
+  // Optional: lastKeyOfIndex(key), the greatest key that writes the same index as `key`, for a table
+  // whose index leaves a part of its key out.
+  { T::hinted } -> std::convertible_to<bool>;
+  requires !T::hinted || requires {
+    typename std::tuple_size<typename T::Components>::type;
+    { T::componentNames[0] } -> std::convertible_to<const char*>;
+  };
+};
+
+template <IteratedTableTraits T>
 class IteratedTable {
  public:
   using Collection = std::remove_cvref_t<decltype(T::collection(std::declval<const typename T::Container&>()))>;
