@@ -2,7 +2,7 @@
 // What a route carries besides its prefix and FEC: metric, administrative preference and origin.
 #include <iosfwd>
 
-#include "platform/quor/String.h"
+#include "platform/pelt/Enumeration.h"
 
 namespace Routing {
 
@@ -61,13 +61,7 @@ enum RouteType : S32 {
   routeTypeEbgp = 19,
 };
 
-// The enumerator's name; "RouteType(<n>)" for a number without one.
-Quor::String8 stringValue(RouteType type);
-// Raise Quor::RangeException "RouteType" for a number or name that is not an enumerator.
-RouteType RouteTypeInstance(unsigned int number);
-RouteType RouteTypeInstance(const Quor::String8& name);
-// The name in single quotes.
-Quor::String8 valueToStrep(RouteType type);
+PELT_DECLARE_ENUM_TEXT(RouteType);
 std::ostream& operator<<(std::ostream& out, RouteType type);
 
 }  // namespace Fib
