@@ -3,29 +3,18 @@
 #include <iosfwd>
 
 #include "platform/pelt/Enumeration.h"
+#include "platform/pelt/TaggedNumber.h"
 
 namespace Routing {
 
-class RouteMetric {
+class RouteMetric : public Pelt::TaggedNumber<U32, RouteMetric> {
  public:
-  constexpr RouteMetric() noexcept = default;
-  constexpr explicit RouteMetric(U32 value) noexcept : value_(value) {}
-  constexpr U32 value() const noexcept { return value_; }
-  friend constexpr bool operator==(RouteMetric, RouteMetric) = default;
-
- private:
-  U32 value_ = 0;
+  using TaggedNumber::TaggedNumber;
 };
 
-class RoutePreference {
+class RoutePreference : public Pelt::TaggedNumber<U8, RoutePreference> {
  public:
-  constexpr RoutePreference() noexcept = default;
-  constexpr explicit RoutePreference(U8 value) noexcept : value_(value) {}
-  constexpr U8 value() const noexcept { return value_; }
-  friend constexpr bool operator==(RoutePreference, RoutePreference) = default;
-
- private:
-  U8 value_ = 0;
+  using TaggedNumber::TaggedNumber;
 };
 
 // Decimal digits.
