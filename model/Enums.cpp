@@ -45,21 +45,14 @@ constexpr Enumerator<IpRouteProtocol> ipRouteProtocols[] = {
 
 }  // namespace
 
-// One set of text functions per enumeration, all from its table of names.
-#define IPSNMP_ENUM_TEXT(Type, table)                                                                   \
-  Quor::String8 stringValue(Type value) { return Pelt::enumName(table, value, #Type); }                \
-  Type Type##Instance(unsigned int number) { return Pelt::enumByNumber(table, number, #Type); }        \
-  Type Type##Instance(const Quor::String8& name) { return Pelt::enumByName(table, name.view(), #Type); } \
-  Type sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, Type*) {        \
-    return Type##Instance(Quor::readQuotedString(position, end));                                       \
-  }                                                                                                    \
-  std::ostream& operator<<(std::ostream& out, Type value) { return out << valueToStrep(value); }
+PELT_DEFINE_ENUM_TEXT(AddressSource, addressSources)
+PELT_DEFINE_ENUM_TEXT(AddressStatus, addressStatuses)
+PELT_DEFINE_ENUM_TEXT(AddressType, addressTypes)
+PELT_DEFINE_ENUM_TEXT(IpRouteProtocol, ipRouteProtocols)
 
-IPSNMP_ENUM_TEXT(AddressSource, addressSources)
-IPSNMP_ENUM_TEXT(AddressStatus, addressStatuses)
-IPSNMP_ENUM_TEXT(AddressType, addressTypes)
-IPSNMP_ENUM_TEXT(IpRouteProtocol, ipRouteProtocols)
-
-#undef IPSNMP_ENUM_TEXT
+std::ostream& operator<<(std::ostream& out, AddressSource value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, AddressStatus value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, AddressType value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, IpRouteProtocol value) { return out << valueToStrep(value); }
 
 }  // namespace IpSnmp

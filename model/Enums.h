@@ -2,7 +2,7 @@
 // The enumerations that rows carry. Each enumerator's name is also its text form.
 #include <iosfwd>
 
-#include "platform/quor/Strep.h"
+#include "platform/pelt/Enumeration.h"
 
 namespace IpSnmp {
 
@@ -47,35 +47,11 @@ enum IpRouteProtocol : S32 {
   ipRouteProtocolDvmrp = 17,
 };
 
-// The enumerator's name, or "<Type>(<n>)" for a number without one.
-Quor::String8 stringValue(AddressSource value);
-Quor::String8 stringValue(AddressStatus value);
-Quor::String8 stringValue(AddressType value);
-Quor::String8 stringValue(IpRouteProtocol value);
-
-// The enumerator of a number or a name; an unknown one raises Quor::RangeException with the bare
-// type name ("AddressSource", ...).
-AddressSource AddressSourceInstance(unsigned int number);
-AddressSource AddressSourceInstance(const Quor::String8& name);
-AddressStatus AddressStatusInstance(unsigned int number);
-AddressStatus AddressStatusInstance(const Quor::String8& name);
-AddressType AddressTypeInstance(unsigned int number);
-AddressType AddressTypeInstance(const Quor::String8& name);
-IpRouteProtocol IpRouteProtocolInstance(unsigned int number);
-IpRouteProtocol IpRouteProtocolInstance(const Quor::String8& name);
-
-// The name in single quotes.
-template <class E>
-  requires requires(E e) { stringValue(e); }
-Quor::String8 valueToStrep(E value) {
-  return Quor::valueToStrep(Quor::ByteString(stringValue(value)));
-}
-
-// Reads a quoted enumerator name.
-AddressSource sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, AddressSource*);
-AddressStatus sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, AddressStatus*);
-AddressType sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, AddressType*);
-IpRouteProtocol sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, IpRouteProtocol*);
+// The text forms; an enumerator's text form is its name in single quotes, also for operator<<.
+PELT_DECLARE_ENUM_TEXT(AddressSource);
+PELT_DECLARE_ENUM_TEXT(AddressStatus);
+PELT_DECLARE_ENUM_TEXT(AddressType);
+PELT_DECLARE_ENUM_TEXT(IpRouteProtocol);
 
 std::ostream& operator<<(std::ostream& out, AddressSource value);
 std::ostream& operator<<(std::ostream& out, AddressStatus value);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/quor/Exception.h"
+#include "platform/quor/Strep.h"
 #include "platform/quor/String.h"
 
 namespace Pelt {
@@ -40,3 +41,13 @@ E enumByName(const Enumerator<E> (&table)[N], std::string_view name, const char*
 }
 
 }  // namespace Pelt
+
+// Defines the functions that PELT_DECLARE_ENUM_TEXT(Type) declares, from `table`'s names.
+#define PELT_DEFINE_ENUM_TEXT(Type, table)                                                                 \
+  Quor::String8 stringValue(Type value) { return Pelt::enumName(table, value, #Type); }                  \
+  Type Type##Instance(unsigned int number) { return Pelt::enumByNumber(table, number, #Type); }          \
+  Type Type##Instance(const Quor::String8& name) { return Pelt::enumByName(table, name.view(), #Type); } \
+  Quor::String8 valueToStrep(Type value) { return Quor::valueToStrep(stringValue(value)); } \
+  Type sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, Type*) {          \
+    return Type##Instance(Quor::readQuotedString(position, end));                                         \
+  }

@@ -16,17 +16,7 @@ constexpr Pelt::Enumerator<IpVersion> names[] = {
 
 }  // namespace
 
-Quor::String8 stringValue(IpVersion version) { return Pelt::enumName(names, version, "IpVersion"); }
-
-IpVersion IpVersionInstance(unsigned int number) { return Pelt::enumByNumber(names, number, "IpVersion"); }
-
-IpVersion IpVersionInstance(const Quor::String8& name) { return Pelt::enumByName(names, name.view(), "IpVersion"); }
-
-Quor::String8 valueToStrep(IpVersion version) { return Quor::valueToStrep(stringValue(version)); }
-
-IpVersion sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, IpVersion*) {
-  return IpVersionInstance(Quor::readQuotedString(position, end));
-}
+PELT_DEFINE_ENUM_TEXT(IpVersion, names)
 
 std::ostream& operator<<(std::ostream& out, IpVersion version) { return out << stringValue(version); }
 

@@ -3,7 +3,7 @@
 // ipv4 and ipv6, so they pass to the wire unconverted.
 #include <iosfwd>
 
-#include "platform/quor/Strep.h"
+#include "platform/pelt/Enumeration.h"
 
 namespace Ip {
 
@@ -13,14 +13,7 @@ enum IpVersion : S32 {
   ipVersion6 = 2,
 };
 
-// The enumerator's name; "IpVersion(<n>)" for a number without one.
-Quor::String8 stringValue(IpVersion version);
-// Raise Quor::RangeException "IpVersion" for a number or name that is not an enumerator.
-IpVersion IpVersionInstance(unsigned int number);
-IpVersion IpVersionInstance(const Quor::String8& name);
-// The name in single quotes, and back.
-Quor::String8 valueToStrep(IpVersion version);
-IpVersion sequenceToValue(Quor::StrepIterator& position, const Quor::StrepIterator& end, IpVersion*);
+PELT_DECLARE_ENUM_TEXT(IpVersion);
 std::ostream& operator<<(std::ostream& out, IpVersion version);
 
 }  // namespace Ip

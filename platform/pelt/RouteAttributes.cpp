@@ -44,13 +44,7 @@ constexpr Pelt::Enumerator<RouteType> names[] = {
 
 }  // namespace
 
-Quor::String8 stringValue(RouteType type) { return Pelt::enumName(names, type, "RouteType"); }
-
-RouteType RouteTypeInstance(unsigned int number) { return Pelt::enumByNumber(names, number, "RouteType"); }
-
-RouteType RouteTypeInstance(const Quor::String8& name) { return Pelt::enumByName(names, name.view(), "RouteType"); }
-
-Quor::String8 valueToStrep(RouteType type) { return Quor::valueToStrep(stringValue(type)); }
+PELT_DEFINE_ENUM_TEXT(RouteType, names)
 
 std::ostream& operator<<(std::ostream& out, RouteType type) { return out << stringValue(type); }
 

@@ -2,30 +2,19 @@
 // What a route carries besides its prefix and FEC: metric, administrative preference and origin.
 #include <iosfwd>
 
-#include "platform/quor/String.h"
+#include "platform/pelt/Enumeration.h"
+#include "platform/pelt/TaggedNumber.h"
 
 namespace Routing {
 
-class RouteMetric {
+class RouteMetric : public Pelt::TaggedNumber<U32, RouteMetric> {
  public:
-  constexpr RouteMetric() noexcept = default;
-  constexpr explicit RouteMetric(U32 value) noexcept : value_(value) {}
-  constexpr U32 value() const noexcept { return value_; }
-  friend constexpr bool operator==(RouteMetric, RouteMetric) = default;
-
- private:
-  U32 value_ = 0;
+  using TaggedNumber::TaggedNumber;
 };
 
-class RoutePreference {
+class RoutePreference : public Pelt::TaggedNumber<U8, RoutePreference> {
  public:
-  constexpr RoutePreference() noexcept = default;
-  constexpr explicit RoutePreference(U8 value) noexcept : value_(value) {}
-  constexpr U8 value() const noexcept { return value_; }
-  friend constexpr bool operator==(RoutePreference, RoutePreference) = default;
-
- private:
-  U8 value_ = 0;
+  using TaggedNumber::TaggedNumber;
 };
 
 // Decimal digits.
@@ -61,13 +50,7 @@ enum RouteType : S32 {
   routeTypeEbgp = 19,
 };
 
-// The enumerator's name; "RouteType(<n>)" for a number without one.
-Quor::String8 stringValue(RouteType type);
-// Raise Quor::RangeException "RouteType" for a number or name that is not an enumerator.
-RouteType RouteTypeInstance(unsigned int number);
-RouteType RouteTypeInstance(const Quor::String8& name);
-// The name in single quotes.
-Quor::String8 valueToStrep(RouteType type);
+PELT_DECLARE_ENUM_TEXT(RouteType);
 std::ostream& operator<<(std::ostream& out, RouteType type);
 
 }  // namespace Fib

@@ -3,23 +3,14 @@
 // stands for a VRF whose number is not known yet.
 #include <iosfwd>
 
-#include "platform/quor/String.h"
+#include "platform/pelt/TaggedNumber.h"
 
 namespace Vrf::VrfIdMap {
 
-class VrfId {
+class VrfId : public Pelt::TaggedNumber<U32, VrfId> {
  public:
-  constexpr VrfId() noexcept = default;
-  constexpr explicit VrfId(U32 value) noexcept : value_(value) {}
-  constexpr U32 value() const noexcept { return value_; }
-  constexpr bool isUnknown() const noexcept { return value_ == ~U32(0); }
-  U32 hash() const noexcept { return value_ * 2654435761u; }
-
-  friend constexpr bool operator==(VrfId, VrfId) = default;
-  friend constexpr bool operator<(VrfId a, VrfId b) noexcept { return a.value_ < b.value_; }
-
- private:
-  U32 value_ = 0;
+  using TaggedNumber::TaggedNumber;
+  constexpr bool isUnknown() const noexcept { return value() == ~U32(0); }
 };
 
 inline constexpr VrfId defaultVrfId{0};

@@ -3,7 +3,6 @@
 #include <ostream>
 
 #include "platform/pelt/EnumText.h"
-#include "platform/quor/Strep.h"
 
 namespace Ip {
 
@@ -17,11 +16,7 @@ constexpr Pelt::Enumerator<VrfState> names[] = {
 
 }  // namespace
 
-Quor::String8 stringValue(VrfState state) { return Pelt::enumName(names, state, "VrfState"); }
-
-VrfState VrfStateInstance(const Quor::String8& name) { return Pelt::enumByName(names, name.view(), "VrfState"); }
-
-Quor::String8 valueToStrep(VrfState state) { return Quor::valueToStrep(stringValue(state)); }
+PELT_DEFINE_ENUM_TEXT(VrfState, names)
 
 std::ostream& operator<<(std::ostream& out, VrfState state) { return out << stringValue(state); }
 

@@ -3,7 +3,7 @@
 // other numbers may arrive and are passed through unchanged.
 #include <iosfwd>
 
-#include "platform/quor/String.h"
+#include "platform/pelt/Enumeration.h"
 
 namespace Ip {
 
@@ -13,12 +13,7 @@ enum VrfState : S32 {
   vrfStateDeleting = 2,
 };
 
-// The enumerator's name; "VrfState(<n>)" for a number without one.
-Quor::String8 stringValue(VrfState state);
-// Raise Quor::RangeException "VrfState" for a name that is not an enumerator.
-VrfState VrfStateInstance(const Quor::String8& name);
-// The name in single quotes.
-Quor::String8 valueToStrep(VrfState state);
+PELT_DECLARE_ENUM_TEXT(VrfState);
 std::ostream& operator<<(std::ostream& out, VrfState state);
 
 }  // namespace Ip

@@ -9,17 +9,9 @@
 
 namespace Tarn::Fib {
 
-class FecId {
+class FecId : public Pelt::TaggedNumber<U64, FecId> {
  public:
-  constexpr FecId() noexcept = default;
-  constexpr explicit FecId(U64 value) noexcept : value_(value) {}
-  constexpr U64 value() const noexcept { return value_; }
-  U32 hash() const noexcept { return static_cast<U32>((value_ ^ value_ >> 32) * 2654435761u); }
-  friend constexpr bool operator==(FecId, FecId) = default;
-  friend constexpr bool operator<(FecId a, FecId b) noexcept { return a.value_ < b.value_; }
-
- private:
-  U64 value_ = 0;
+  using TaggedNumber::TaggedNumber;
 };
 std::ostream& operator<<(std::ostream& out, FecId id);
 

@@ -18,6 +18,9 @@ U32 nameHash(std::string_view text) {
   return hash;
 }
 
+// The protocol of the routes of FRR's staticd, which the kernel's headers do not name.
+constexpr U8 frrStaticProtocol = 196;
+
 }  // namespace
 
 Pelt::IntfId qualifiedIntfName(const L3::VrfName& vrf, std::string_view name) {
@@ -52,7 +55,8 @@ Routing::Fib::RouteType routeTypeOf(const KernelRoute& route) {
   switch (route.protocol) {
     case RTPROT_KERNEL: return routeTypeConnected;
     case RTPROT_BOOT:
-    case RTPROT_STATIC: return routeTypeStaticConfig;
+    case RTPROT_STATIC:
+    case frrStaticProtocol: return routeTypeStaticConfig;
     case RTPROT_BGP: return routeTypeEbgp;
     case RTPROT_OSPF: return routeTypeOspfIntraArea;
     case RTPROT_ISIS: return routeTypeIsisLevel1;

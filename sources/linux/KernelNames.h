@@ -15,8 +15,10 @@
 //   RTN_BLACKHOLE, RTN_UNREACHABLE, RTN_PROHIBIT   dropped (3)
 //   RTN_LOCAL, RTN_BROADCAST                       receive (1), receiveBcast (2)
 //   unicast, by protocol: kernel (the connected routes of addresses)  connected (8)
-//                         boot (ip route add), static                 staticConfig (4)
-//                         bgp 19, ospf 12, isis 9, rip 7, anything else kernel (5)
+//                         boot (ip route add), static, and 196, FRR's
+//                         staticd                                     staticConfig (4)
+//                         bgp 19, ospf 12, isis 9, rip 7 (the numbers FRR's daemons use too),
+//                         anything else kernel (5)
 // and the preference is the usual administrative distance of that origin: connected 0, static 1,
 // eBGP 20, OSPF 110, IS-IS 115, RIP 120, others 254 (the kernel's own and those of unknown
 // daemons: below any configured route's).

@@ -22,7 +22,7 @@ namespace {
 
 const Quor::Tracer tracer("Linux", "LinuxSource");
 
-constexpr unsigned linkGroups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV6_IFADDR;
+const std::vector<unsigned> linkGroups{RTNLGRP_LINK, RTNLGRP_IPV4_IFADDR, RTNLGRP_IPV6_IFADDR};
 
 }  // namespace
 

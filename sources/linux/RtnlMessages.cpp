@@ -4,6 +4,7 @@
 #include <linux/if_addr.h>
 #include <linux/if_link.h>
 #include <linux/neighbour.h>
+#include <linux/nexthop.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
@@ -96,6 +97,36 @@ std::optional<KernelAddr> decodeAddr(const nlmsghdr& message) {
   return addr;
 }
 
+std::optional<KernelNexthopObject> decodeNexthop(const nlmsghdr& message) {
+  if (message.nlmsg_type != RTM_NEWNEXTHOP && message.nlmsg_type != RTM_DELNEXTHOP) return std::nullopt;
+  const auto* nhm = headerOf<nhmsg>(message);
+  Attributes<NHA_MAX> attrs;
+  if (!nhm || !attrs.parse(message, sizeof *nhm)) return std::nullopt;
+  const void* id = payloadOf(attrs[NHA_ID], sizeof(U32));
+  if (!id) return std::nullopt;
+  KernelNexthopObject object;
+  std::memcpy(&object.id, id, sizeof(U32));
+  if (object.id == 0) return std::nullopt;
+  object.blackhole = attrs[NHA_BLACKHOLE] != nullptr;
+  if (const nlattr* group = attrs[NHA_GROUP]) {
+    const std::size_t length = mnl_attr_get_payload_len(group);
+    if (length == 0 || length % sizeof(nexthop_grp) != 0) return std::nullopt;
+    const auto* bytes = static_cast<const char*>(mnl_attr_get_payload(group));
+    for (std::size_t at = 0; at < length; at += sizeof(nexthop_grp)) {
+      nexthop_grp member;
+      std::memcpy(&member, bytes + at, sizeof member);
+      object.members.push_back(member.id);
+    }
+  }
+  if (const void* ifIndex = payloadOf(attrs[NHA_OIF], sizeof(U32))) std::memcpy(&object.ifIndex, ifIndex, sizeof(U32));
+  if (const nlattr* gateway = attrs[NHA_GATEWAY]) {
+    object.gateway = ipv4Of(gateway);
+    object.ipv6Gateway = mnl_attr_get_payload_len(gateway) == 16;
+    if (!object.gateway && !object.ipv6Gateway) return std::nullopt;
+  }
+  return object;
+}
+
 std::optional<KernelRoute> decodeRoute(const nlmsghdr& message) {
   if (message.nlmsg_type != RTM_NEWROUTE && message.nlmsg_type != RTM_DELROUTE) return std::nullopt;
   const auto* rtm = headerOf<rtmsg>(message);
@@ -117,6 +148,7 @@ std::optional<KernelRoute> decodeRoute(const nlmsghdr& message) {
     std::memcpy(&route.priority, priority, sizeof(U32));
   route.protocol = rtm->rtm_protocol;
   route.type = rtm->rtm_type;
+  if (const void* id = payloadOf(attrs[RTA_NH_ID], sizeof(U32))) std::memcpy(&route.nexthopId, id, sizeof(U32));
 
   if (const nlattr* multipath = attrs[RTA_MULTIPATH]) {
     const auto* hop = static_cast<const rtnexthop*>(mnl_attr_get_payload(multipath));

@@ -1,7 +1,8 @@
 #pragma once
 // The kernel's objects as rtnetlink messages carry them, decoded with libmnl: links, addresses,
-// IPv4 routes and IPv4 neighbours. A decoder gives nothing for a message that is not of its kind or
-// is malformed; whether the object came or went is the message's type (RTM_NEW... or RTM_DEL...).
+// nexthop objects, IPv4 routes and IPv4 neighbours. A decoder gives nothing for a message that is
+// not of its kind or is malformed; whether the object came or went is the message's type
+// (RTM_NEW... or RTM_DEL...).
 #include <linux/netlink.h>
 
 #include <array>
@@ -43,6 +44,19 @@ struct KernelNextHop {
   friend bool operator==(const KernelNextHop&, const KernelNextHop&) = default;
 };
 
+// A nexthop object (ip nexthop): one next hop, a group of them (ECMP), or a blackhole. Routes name
+// it by id (RTA_NH_ID) instead of carrying their next hops.
+struct KernelNexthopObject {
+  U32 id = 0;
+  S32 ifIndex = 0;                        // the device of one next hop; 0 for a group or blackhole
+  std::optional<Pelt::IpAddr> gateway;    // an IPv4 gateway
+  bool ipv6Gateway = false;               // the gateway is an IPv6 one (not kept)
+  bool blackhole = false;
+  std::vector<U32> members;               // a group's member ids, in the kernel's order; weights dropped
+  bool isGroup() const noexcept { return !members.empty(); }
+};
+std::optional<KernelNexthopObject> decodeNexthop(const nlmsghdr& message);
+
 struct KernelRoute {
   Pelt::Prefix prefix;
   U8 tos = 0;
@@ -50,7 +64,11 @@ struct KernelRoute {
   U32 priority = 0;  // the metric
   U8 protocol = 0;   // RTPROT_*
   U8 type = 0;       // RTN_*
-  std::vector<KernelNextHop> nextHops;  // one per path; next hops by IPv6 gateway are left out
+  U32 nexthopId = 0;  // the nexthop object that holds its next hops (RTA_NH_ID), 0 for none
+  // One per path as the message carries them; next hops by IPv6 gateway are left out. A route by
+  // nexthop object carries them too while net.ipv4.nexthop_compat_mode is 1, and never after a
+  // change of the object: its next hops are the object's.
+  std::vector<KernelNextHop> nextHops;
 };
 // IPv4 routes only.
 std::optional<KernelRoute> decodeRoute(const nlmsghdr& message);

@@ -16,7 +16,8 @@ const Quor::Tracer tracer("Linux", "RtnlSession");
 
 }  // namespace
 
-RtnlSession::RtnlSession(const std::string& netns, unsigned groups, std::vector<Dump> dumps, Handler& handler)
+RtnlSession::RtnlSession(const std::string& netns, const std::vector<unsigned>& groups, std::vector<Dump> dumps,
+                         Handler& handler)
     : socket_(netns, groups), dumps_(std::move(dumps)), handler_(handler),
       buffer_(std::make_unique<char[]>(rtnlBufferSize)) {
   startResync();
@@ -52,6 +53,12 @@ void RtnlSession::handleDatagram(const char* data, std::size_t length) {
     if (message->nlmsg_type == NLMSG_ERROR) {
       if (!ofDump) continue;
       const auto* error = static_cast<const nlmsgerr*>(mnl_nlmsg_get_payload(message));
+      if (error->error == -EOPNOTSUPP) {
+        // A kernel without this kind of object (nexthop objects came with Linux 5.3): nothing to dump.
+        QTRACE(tracer, 1, "dump " << dumps_[step_].type << " not supported by this kernel: skipped");
+        stepDone();
+        continue;
+      }
       QTRACE(tracer, 1, "dump " << dumps_[step_].type << " refused (" << -error->error << "): asking again");
       requestStep();
       continue;

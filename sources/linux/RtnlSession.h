@@ -8,7 +8,9 @@
 // force a resynchronisation, which tells the handler to forget what it knows and dumps everything
 // again: the kernel reports that a dump was interrupted by changes (NLM_F_DUMP_INTR), or the socket
 // overran and events were lost (ENOBUFS). A resynchronisation asked for during a dump starts when
-// that dump has finished, because a socket runs one dump at a time.
+// that dump has finished, because a socket runs one dump at a time. A dump that the kernel refuses
+// is asked for again, unless the kernel does not know the kind of object at all (EOPNOTSUPP), when
+// it counts as an empty one.
 #include <linux/netlink.h>
 
 #include <memory>
@@ -37,7 +39,8 @@ class RtnlSession {
   };
 
   // Opens the socket (see RtnlSocket) and asks for the first dump. Raises std::system_error.
-  RtnlSession(const std::string& netns, unsigned groups, std::vector<Dump> dumps, Handler& handler);
+  RtnlSession(const std::string& netns, const std::vector<unsigned>& groups, std::vector<Dump> dumps,
+              Handler& handler);
 
   int fd() const noexcept { return socket_.fd(); }
   // Handles what waits on the socket, for about `budget` seconds at most; true when it stopped with

@@ -8,6 +8,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/quor/Types.h"
 
@@ -18,15 +19,16 @@ namespace Sources::Linux {
 class RtnlSocket {
  public:
   // Opens the socket in `netns`, a name under /var/run/netns, or in the process's own namespace for
-  // the empty name, and joins the multicast `groups` (RTMGRP_* bits). Raises std::system_error.
-  RtnlSocket(const std::string& netns, unsigned groups);
+  // the empty name, and joins the multicast `groups` (RTNLGRP_* numbers: those above 31, such as
+  // RTNLGRP_NEXTHOP, have no bit of the old mask). Raises std::system_error.
+  RtnlSocket(const std::string& netns, const std::vector<unsigned>& groups);
   ~RtnlSocket();
   RtnlSocket(const RtnlSocket&) = delete;
   RtnlSocket& operator=(const RtnlSocket&) = delete;
 
   int fd() const noexcept;
-  // Asks for a dump of every object of `type` (RTM_GETLINK, ...) in `family`; gives its sequence
-  // number. Raises std::system_error.
+  // Asks for a dump of every object of `type` (RTM_GETLINK, RTM_GETNEXTHOP, ...) in `family`; gives
+  // its sequence number. Raises std::system_error.
   U32 requestDump(U16 type, U8 family);
   // Reads one datagram: its length, 0 when nothing waits, -1 with errno set on a failure (ENOBUFS:
   // the kernel dropped messages because the socket's buffer was full).

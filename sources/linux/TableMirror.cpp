@@ -15,7 +15,7 @@ namespace {
 
 const Quor::Tracer tracer("Linux", "TableMirror");
 
-constexpr unsigned routeGroups = RTMGRP_LINK | RTMGRP_IPV4_ROUTE | RTMGRP_NEIGH;
+const std::vector<unsigned> routeGroups{RTNLGRP_LINK, RTNLGRP_NEXTHOP, RTNLGRP_IPV4_ROUTE, RTNLGRP_NEIGH};
 // Reading between two writes of the tables: long enough to batch a burst, short enough to show it.
 constexpr double readQuantum = 0.05;
 
@@ -61,7 +61,9 @@ void TableMirror::open(const L3::VrfName& vrf) {
     ns = std::make_unique<Namespace>(root_, vrf, id);
     ns->session = std::make_unique<RtnlSession>(
         vrf.isDefault() ? std::string() : namespaceOfVrf(vrf), routeGroups,
-        std::vector<RtnlSession::Dump>{{RTM_GETLINK, AF_UNSPEC}, {RTM_GETROUTE, AF_INET}, {RTM_GETNEIGH, AF_INET}},
+        // Nexthop objects before the routes that name them.
+        std::vector<RtnlSession::Dump>{
+            {RTM_GETLINK, AF_UNSPEC}, {RTM_GETNEXTHOP, AF_UNSPEC}, {RTM_GETROUTE, AF_INET}, {RTM_GETNEIGH, AF_INET}},
         ns->model);
   } catch (const std::exception& e) {
     QTRACE(tracer, 0, "cannot follow the routes of VRF " << vrf << ": " << e.what());

@@ -4,8 +4,8 @@
 // neighbours of all namespaces into the one ARP table, and an id for every VRF into the VRF-id
 // table.
 //
-// Each namespace has its own netlink socket for links (whose names the records carry), routes and
-// neighbours. The tables are written by difference: after a (re)synchronisation every prefix and
+// Each namespace has its own netlink socket for links (whose names the records carry), nexthop
+// objects, routes and neighbours. The tables are written by difference: after a (re)synchronisation every prefix and
 // neighbour of the namespace is recomputed and what the tables hold beyond it is erased; between
 // them only what the events touched. The writer takes over the files of a predecessor, so a writer
 // started again corrects what changed while none ran, and the tables keep the last state written

@@ -58,7 +58,8 @@ AgentMode agentModeOfEnvironment() {
 
 const char* agentModeName(AgentMode mode) { return mode == AgentMode::subagent ? "sub-agent" : "plug-in"; }
 
-AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& tables, AgentMode mode)
+AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& tables, AgentMode mode,
+                               const std::vector<std::string>& launcherOptions)
     : dir_(newDirectory()),
       scenarioPath_(dir_ + "/scenario.yaml"),
       address_("127.0.0.1:" + std::to_string(freeLoopbackPort())),
@@ -69,6 +70,7 @@ AgentUnderTest::AgentUnderTest(const std::string& scenario, const std::string& t
                                 "--log", dir_ + "/snmpd.log", "--trace", "Snmp:0-2", "--flitlog", dir_ + "/flitlog"};
   if (!tables.empty()) argv.insert(argv.end(), {"--tables", tables});
   if (mode == AgentMode::subagent) argv.push_back("--agentx");
+  argv.insert(argv.end(), launcherOptions.begin(), launcherOptions.end());
   process_ = std::make_unique<BackgroundProcess>(argv);
   ready_ = process_->waitForLine("ready", 60.0);
 }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "SnmpTools.h"
 #include "Subprocess.h"
@@ -21,9 +22,11 @@ const char* agentModeName(AgentMode mode);
 class AgentUnderTest {
  public:
   // Starts the launcher and waits for its "ready"; ready() tells whether it came. `tables` is the
-  // root of the shared-memory tables, for a test that writes them itself (default: a private one).
+  // root of the shared-memory tables, for a test that writes them itself (default: a private one);
+  // `launcherOptions` go to the launcher as they are ("--source", "linux").
   explicit AgentUnderTest(const std::string& scenario, const std::string& tables = "",
-                          AgentMode mode = agentModeOfEnvironment());
+                          AgentMode mode = agentModeOfEnvironment(),
+                          const std::vector<std::string>& launcherOptions = {});
   ~AgentUnderTest();
   AgentUnderTest(const AgentUnderTest&) = delete;
   AgentUnderTest& operator=(const AgentUnderTest&) = delete;

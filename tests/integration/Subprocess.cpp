@@ -38,6 +38,9 @@ pid_t spawn(const std::vector<std::string>& argv, bool mergeStderr, bool ownGrou
     if (ownGroup) ::setpgid(0, 0);
     ::dup2(fds[1], STDOUT_FILENO);
     if (mergeStderr) ::dup2(fds[1], STDERR_FILENO);
+    // Nothing else is passed on: a descriptor of the test's, such as that of the lock the suite runs
+    // under (flock), would stay held by a daemon or an agent that outlives a killed test.
+    ::close_range(3, ~0u, 0);
     ::execvp(args[0], args.data());
     ::_exit(127);
   }

@@ -6,13 +6,16 @@
 #include <linux/if_arp.h>
 #include <linux/if_link.h>
 #include <linux/neighbour.h>
+#include <linux/nexthop.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
 #include <cstring>
+#include <sstream>
 
 #include "platform/pelt/Ip6Addr.h"
 #include "sources/linux/KernelNames.h"
+#include "sources/linux/NamespaceRoutes.h"
 #include "sources/linux/NetnsDirectory.h"
 #include "sources/linux/RtnlMessages.h"
 
@@ -35,6 +38,17 @@ class Message {
   alignas(nlmsghdr) char buffer_[4096] = {};
   nlmsghdr* header_ = nullptr;
 };
+
+// The start of a message for a unicast route of the main table to 10.9.0.0/16.
+void startRouteTo10_9(Message& m, U8 protocol) {
+  auto* rtm = m.start<rtmsg>(RTM_NEWROUTE);
+  rtm->rtm_family = AF_INET;
+  rtm->rtm_dst_len = 16;
+  rtm->rtm_table = RT_TABLE_MAIN;
+  rtm->rtm_protocol = protocol;
+  rtm->rtm_type = RTN_UNICAST;
+  m.ipv4(RTA_DST, "10.9.0.0");
+}
 
 TEST(KernelMessages, LinkCarriesIndexNameKindAndFlags) {
   Message m;
@@ -96,13 +110,7 @@ TEST(KernelMessages, Ipv6AddressComesFromIfaAddress) {
 
 TEST(KernelMessages, MultipathRouteKeepsEveryIpv4NextHop) {
   Message m;
-  auto* rtm = m.start<rtmsg>(RTM_NEWROUTE);
-  rtm->rtm_family = AF_INET;
-  rtm->rtm_dst_len = 16;
-  rtm->rtm_table = RT_TABLE_MAIN;
-  rtm->rtm_protocol = RTPROT_BOOT;
-  rtm->rtm_type = RTN_UNICAST;
-  m.ipv4(RTA_DST, "10.9.0.0");
+  startRouteTo10_9(m, RTPROT_BOOT);
   mnl_attr_put_u32(m.header(), RTA_PRIORITY, 20);
   nlattr* paths = mnl_attr_nest_start(m.header(), RTA_MULTIPATH);
   auto addHop = [&](int ifIndex, const char* gateway, bool viaIpv6) {
@@ -150,6 +158,83 @@ TEST(KernelMessages, Ipv6RouteIsNotRead) {
   Message m;
   m.start<rtmsg>(RTM_NEWROUTE)->rtm_family = AF_INET6;
   EXPECT_FALSE(decodeRoute(*m.header()));
+}
+
+// A nexthop object's message: `id` 0 leaves NHA_ID out; `group` is NHA_GROUP's payload as given.
+Message nexthopMessage(U16 type, U32 id, S32 ifIndex, const char* gateway, std::vector<nexthop_grp> group = {},
+                       std::size_t gatewayBytes = 4) {
+  Message m;
+  m.start<nhmsg>(type)->nh_family = group.empty() ? AF_INET : AF_UNSPEC;
+  if (id != 0) mnl_attr_put_u32(m.header(), NHA_ID, id);
+  if (!group.empty()) mnl_attr_put(m.header(), NHA_GROUP, group.size() * sizeof(nexthop_grp), group.data());
+  if (ifIndex != 0) mnl_attr_put_u32(m.header(), NHA_OIF, static_cast<U32>(ifIndex));
+  if (gateway && gatewayBytes == 4) m.ipv4(NHA_GATEWAY, gateway);
+  if (gateway && gatewayBytes != 4) mnl_attr_put(m.header(), NHA_GATEWAY, gatewayBytes, Pelt::Ip6Addr(gateway).bytes().data());
+  return m;
+}
+
+// Objects by IPv4 gateway, by device, groups and blackholes come from the kernel in LinuxTables;
+// here what it sends more rarely, and what it should never send.
+TEST(KernelMessages, NexthopByIpv6GatewayIsMarkedAndBadFormsAreRefused) {
+  auto ipv6 = decodeNexthop(*nexthopMessage(RTM_NEWNEXTHOP, 11, 3, "2001:db8::1", {}, 16).header());
+  ASSERT_TRUE(ipv6);
+  EXPECT_TRUE(ipv6->ipv6Gateway);
+  EXPECT_FALSE(ipv6->gateway);
+  EXPECT_EQ(ipv6->ifIndex, 3);
+
+  struct Case {
+    const char* what;
+    Message message;
+  };
+  Case refused[] = {
+      {"no id", nexthopMessage(RTM_NEWNEXTHOP, 0, 3, "10.1.0.2")},
+      {"a gateway of 5 bytes", nexthopMessage(RTM_NEWNEXTHOP, 12, 3, "2001:db8::1", {}, 5)},
+      {"a route message", nexthopMessage(RTM_NEWROUTE, 13, 3, "10.1.0.2")},
+      {"a group of no whole member", nexthopMessage(RTM_NEWNEXTHOP, 14, 0, nullptr)},
+  };
+  mnl_attr_put(refused[3].message.header(), NHA_GROUP, sizeof(nexthop_grp) + 3, std::vector<char>(16).data());
+  for (Case& c : refused) EXPECT_FALSE(decodeNexthop(*c.message.header())) << c.what;
+}
+
+// What the kernel never sends but a model must survive: a route naming an object not known yet,
+// which appears once the object comes, and groups naming what is not a nexthop.
+TEST(KernelMessages, RouteWaitsForItsNexthopObject) {
+  NamespaceRoutes model{L3::VrfName("default")};
+  Message link;
+  link.start<ifinfomsg>(RTM_NEWLINK)->ifi_index = 3;
+  mnl_attr_put_strz(link.header(), IFLA_IFNAME, "eth3");
+  model.message(*link.header());
+
+  Message route;
+  startRouteTo10_9(route, RTPROT_BGP);
+  mnl_attr_put_u32(route.header(), RTA_NH_ID, 9);
+  model.message(*route.header());
+  const Pelt::Prefix prefix("10.9.0.0/16");
+  EXPECT_TRUE(model.takeChanges().prefixes.count(prefix));
+  EXPECT_FALSE(model.wantedRoute(prefix)) << "object 9 is not known";
+
+  auto viasOf = [&] {
+    std::ostringstream vias;
+    if (auto wanted = model.wantedRoute(prefix))
+      for (const Tarn::Fib::Via& via : wanted->vias) vias << via.hop << "@" << via.intfId.stringValue().view() << " ";
+    return vias.str();
+  };
+  // Group 9 arrives naming an unknown id, another group, and 7, which comes after it.
+  model.message(*nexthopMessage(RTM_NEWNEXTHOP, 8, 0, nullptr, {{7, 0, 0, 0}}).header());
+  model.message(*nexthopMessage(RTM_NEWNEXTHOP, 9, 0, nullptr, {{42, 0, 0, 0}, {8, 0, 0, 0}, {7, 0, 0, 0}}).header());
+  EXPECT_TRUE(model.takeChanges().prefixes.count(prefix));
+  EXPECT_EQ(viasOf(), "") << "a route whose group has no usable member yet";
+  model.message(*nexthopMessage(RTM_NEWNEXTHOP, 7, 3, "10.1.0.2").header());
+  EXPECT_TRUE(model.takeChanges().prefixes.count(prefix)) << "a member's arrival marks the group's routes";
+  EXPECT_EQ(viasOf(), "10.1.0.2@eth3 ");
+  EXPECT_EQ(model.wantedRoute(prefix)->route.routeType, Routing::Fib::routeTypeEbgp);
+
+  model.message(*nexthopMessage(RTM_DELNEXTHOP, 42, 0, nullptr).header());
+  model.message(*nexthopMessage(RTM_DELNEXTHOP, 7, 0, nullptr).header());
+  EXPECT_TRUE(model.takeChanges().prefixes.count(prefix));
+  EXPECT_FALSE(model.wantedRoute(prefix)) << "7 took group 8 along, and group 9 with it, and its route";
+  model.message(*nexthopMessage(RTM_NEWNEXTHOP, 9, 3, "10.1.0.3").header());
+  EXPECT_FALSE(model.wantedRoute(prefix)) << "an id used again does not bring the route back";
 }
 
 TEST(KernelMessages, NeighbourHasItsHardwareAddressOnlyWhenSixBytes) {

@@ -1,6 +1,6 @@
-// The table side of the Linux source against a kernel: routes (ECMP, connected, static, dropped),
-// FECs, neighbours and VRF ids, compared with what ip(8) shows; and the writer process kept running
-// by the agent's source.
+// The table side of the Linux source against a kernel: routes (ECMP, connected, static, dropped,
+// by nexthop object), FECs, neighbours and VRF ids, compared with what ip(8) shows; and the writer
+// process kept running by the agent's source.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -28,15 +28,19 @@ std::string viasText(std::vector<std::string> vias) {
 class LinuxTables : public LinuxTest::KernelTest {
  protected:
   // The routes of namespace `ns` ("" for this one) as ip shows them, one line each:
-  // "<prefix> <metric> <route type> <hop>@<interface>,...", interfaces named as in the store.
+  // "<prefix> <metric> <route type> <hop>@<interface>,...", interfaces named as in the store. The
+  // next hops of a route by nexthop object are those of the object, or of its group's members.
   std::set<std::string> routesOfIp(const std::string& ns, const std::string& vrf) {
     const std::string ip = ns.empty() ? "ip" : "ip -n " + ns;
     const std::string qualifier = vrf == "default" ? "" : vrf + ":";
     std::set<std::string> routes;
     for (const std::string& line :
-         lines(ip + " -j route show | jq -r '.[] | \"\\(.dst) \\(.metric // 0) \\(.protocol // \"boot\") "
-                    "\\(.type // \"unicast\") \\([(.nexthops // [.])[] | select(.dev) | "
-                    "\"\\(.gateway // \"0.0.0.0\")@\\(.dev)\"] | join(\",\"))\"'")) {
+         lines("nh=$(" + ip + " -j nexthop show); " + ip + " -j route show | jq -r --argjson nh \"${nh:-[]}\" '"
+               "($nh | map({key: (.id | tostring), value: .}) | from_entries) as $objects | .[] | "
+               "(if .nhid then ($objects[.nhid | tostring] | if .group then [.group[] | $objects[.id | tostring]] "
+               "else [.] end) else (.nexthops // [.]) end) as $hops | "
+               "\"\\(.dst) \\(.metric // 0) \\(.protocol // \"boot\") \\(.type // \"unicast\") "
+               "\\([$hops[] | select(.dev) | \"\\(.gateway // \"0.0.0.0\")@\\(.dev)\"] | join(\",\"))\"'")) {
       std::istringstream fields(line);
       std::string dst, metric, protocol, type, hops;
       fields >> dst >> metric >> protocol >> type >> hops;
@@ -45,6 +49,7 @@ class LinuxTables : public LinuxTest::KernelTest {
       int routeType = type == "blackhole" || type == "unreachable" || type == "prohibit" ? 3
                       : protocol == "kernel"                                           ? 8
                       : protocol == "boot" || protocol == "static"                     ? 4
+                      : protocol == "bgp"                                              ? 19
                                                                                        : 5;
       std::vector<std::string> vias;
       std::istringstream split(hops);
@@ -156,6 +161,65 @@ TEST_F(LinuxTables, RoutesAndNeighboursEqualWhatIpShows) {
   EXPECT_EQ(neighboursOfTables(ids.at(vrf)), neighboursOfIp(ns, vrf));
 }
 
+TEST_F(LinuxTables, RoutesByNexthopObjectFollowTheirObjects) {
+  makeRoutedVrf("n");
+  const std::string ns = netns("n"), vrf = this->vrf("n"), ip = "ip -n " + ns + " ";
+  // Routes carry the object's id alone, and changes of an object are not told route by route.
+  must("ip netns exec " + ns + " sysctl -qw net.ipv4.nexthop_compat_mode=0");
+  // A link without addresses, whose carrier the test takes away.
+  must(ip + "link add ltn5 type veth peer name ltn6");
+  must(ip + "link set ltn5 up");
+  must(ip + "link set ltn6 up");
+  for (const char* command :
+       {"nexthop add id 1 via 10.60.0.1 dev ltn1", "nexthop add id 2 via 10.61.0.1 dev ltn3",
+        "nexthop add id 5 dev ltn5", "nexthop add id 3 group 1/2/5", "nexthop add id 4 blackhole",
+        "route add 10.91.0.0/16 nhid 3 proto bgp", "route add 10.92.0.0/16 nhid 4", "route add 10.93.0.0/16 nhid 5",
+        "route add 10.94.0.0/16 nhid 5"})
+    must(ip + command);
+  Sources::Linux::TableMirror mirror(tableRoot, "/var/run/netns");
+  ASSERT_TRUE(runUntil([&] { return mirror.initialized(); }));
+
+  // The route of `prefix` in the tables, "<route type> <hop>@<link>,...", "" when there is none.
+  auto routeInTables = [&](const std::string& prefix) {
+    for (std::string line : routesOfTables(vrf))
+      if (line.starts_with(prefix + " 0 ")) {
+        for (auto at = line.find(vrf + ":"); at != std::string::npos; at = line.find(vrf + ":"))
+          line.erase(at, vrf.size() + 1);
+        return line.substr(prefix.size() + 3);
+      }
+    return std::string();
+  };
+  struct Step {
+    std::string change;  // an ip command in the VRF's namespace, or none
+    std::string prefix;
+    std::string route;   // as routeInTables gives it afterwards
+  };
+  const Step steps[] = {
+      {"", "10.91.0.0/16", "19 0.0.0.0@ltn5,10.60.0.1@ltn1,10.61.0.1@ltn3"},
+      {"", "10.92.0.0/16", "3 "},
+      {"", "10.93.0.0/16", "4 0.0.0.0@ltn5"},
+      // A member changes: the group's routes are not sent again.
+      {"nexthop replace id 1 via 10.60.0.5 dev ltn1", "10.91.0.0/16", "19 0.0.0.0@ltn5,10.60.0.5@ltn1,10.61.0.1@ltn3"},
+      {"route replace 10.93.0.0/16 nhid 2", "10.93.0.0/16", "4 10.61.0.1@ltn3"},
+      // The carrier goes: object 5 leaves its group and takes its route, all without a message;
+      // 10.93.0.0/16 no longer uses it.
+      {"link set ltn6 down", "10.94.0.0/16", ""},
+      {"", "10.91.0.0/16", "19 10.60.0.5@ltn1,10.61.0.1@ltn3"},
+      // An object deleted takes its routes (10.93.0.0/16) and leaves its group.
+      {"nexthop del id 2", "10.91.0.0/16", "19 10.60.0.5@ltn1"},
+      {"nexthop add id 2 via 10.61.0.9 dev ltn3", "10.93.0.0/16", ""},
+      // The group's last member goes: the group goes, and its routes.
+      {"nexthop del id 1", "10.91.0.0/16", ""},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.change + " -> " + step.prefix);
+    if (!step.change.empty()) must(ip + step.change);
+    EXPECT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
+    EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
+    EXPECT_EQ(routeInTables(step.prefix), step.route);
+  }
+}
+
 TEST_F(LinuxTables, VrfThatGoesLeavesEmptyTablesAndNoId) {
   Sources::Linux::TableMirror mirror(tableRoot, "/var/run/netns");
   ASSERT_TRUE(runUntil([&] { return mirror.initialized(); }));
@@ -187,7 +251,7 @@ TEST_F(LinuxTables, WriterProcessIsStartedAgainAndCatchesUp) {
   ASSERT_TRUE(runUntil([&] { return source.tableWriterPid() == 0; }));
   EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf)) << "the tables keep the last state written";
   must("ip -n " + ns + " route add 10.76.0.0/16 via 10.60.0.1");
-  ASSERT_TRUE(runUntil([&] { return source.tableWriterPid() != 0; }, 5));
+  ASSERT_TRUE(runUntil([&] { return source.tableWriterPid() != 0; }));
   EXPECT_NE(source.tableWriterPid(), first);
   EXPECT_TRUE(runUntil([&] { return routesOfTables(vrf) == routesOfIp(ns, vrf); }));
   EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
