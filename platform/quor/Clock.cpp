@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace Quor {
@@ -17,12 +18,30 @@ double steadyNow() {
 }
 
 double (*timeSource)() = steadyNow;
+double runEnds = never;
+
+// The deadline of one run of due reactors, and the one before it back when the run ends (a reactor
+// may run another clock's reactors inside its own).
+class TurnScope {
+ public:
+  explicit TurnScope(double deadline) : outer_(std::exchange(runEnds, std::min(runEnds, deadline))) {}
+  ~TurnScope() { runEnds = outer_; }
+  TurnScope(const TurnScope&) = delete;
+  TurnScope& operator=(const TurnScope&) = delete;
+
+ private:
+  double outer_;
+};
 
 }  // namespace
 
 double now() { return timeSource(); }
 
 void nowSourceIs(double (*source)()) { timeSource = source ? source : steadyNow; }
+
+double turnDeadline() noexcept { return runEnds; }
+
+double sliceDeadline(double quantum) { return std::min(now() + quantum, runEnds); }
 
 void Clock::NotifieeConst::timeMinIs(double t) {
   const Clock* clock = notifier().ptr();
@@ -39,6 +58,7 @@ void Clock::schedule(NotifieeConst* n) const {
   if (n->scheduled_ || std::isinf(n->timeMin_)) return;
   n->slot_ = schedule_.emplace(n->timeMin_, n);
   n->scheduled_ = true;
+  n->armedSeq_ = ++schedulings_;
 }
 
 void Clock::unschedule(NotifieeConst* n) const {
@@ -54,16 +74,23 @@ void Clock::notifieeAttached(Reactor* r) const {
 
 void Clock::notifieeDetached(Reactor* r) const { unschedule(static_cast<NotifieeConst*>(r)); }
 
+Clock::NotifieeConst* Clock::firstDue(double t, U64 seq) const {
+  for (auto it = schedule_.begin(); it != schedule_.end() && it->first <= t; ++it)
+    if (it->second->armedSeq_ <= seq) return it->second;
+  return nullptr;
+}
+
 void Clock::runDue() {
-  double t = now();
-  std::vector<Ptr<NotifieeConst>> due;
-  while (!schedule_.empty() && schedule_.begin()->first <= t) {
-    NotifieeConst* n = schedule_.begin()->second;
-    unschedule(n);
-    n->timeMin_ = never;
-    due.emplace_back(n);
-  }
-  for (const Ptr<NotifieeConst>& n : due) {
+  const double t = now();
+  const U64 seq = schedulings_;
+  TurnScope turn(t + turnBudget);
+  for (bool first = true;; first = false) {
+    NotifieeConst* due = firstDue(t, seq);
+    // At least one reactor fires in every run, so that a spent budget still makes progress.
+    if (!due || (!first && now() > turnDeadline())) break;
+    Ptr<NotifieeConst> n(due);
+    unschedule(due);
+    due->timeMin_ = never;
     if (!n->listensTo(this)) continue;
     try {
       n->onTime();

@@ -1,7 +1,11 @@
 // The clock that drives time-sliced work: a request of 0.0 fires at the next run, once.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "platform/quor/Clock.h"
+#include "platform/quor/SlicedPass.h"
 
 namespace {
 
@@ -69,6 +73,60 @@ TEST_F(ClockTest, ARequestMadeBeforeAttachingCountsOnceAttached) {
   EXPECT_EQ(clock->nextDeadline(), 0.0);
   clock->runDue();
   EXPECT_EQ(t->fired, 1);
+}
+
+// Takes `cost` seconds of the fake time at each firing, notes its name, and asks again.
+class Worker : public Quor::Clock::NotifieeConst {
+ public:
+  Worker(char name, std::string* log) : name_(name), log_(log) {}
+  void onTime() override {
+    *log_ += name_;
+    fakeTime += 0.006;
+    timeMinIs(0.0);
+  }
+
+ private:
+  char name_;
+  std::string* log_;
+};
+
+// Three machines busy at once, each taking 6 ms a slice against a budget of 8 ms: a run fires until
+// its budget is spent (the second starts within it), and those left over fire first at the next run.
+TEST_F(ClockTest, BusyReactorsShareTheRunsInTurn) {
+  std::string fired;
+  std::vector<Quor::Ptr<Worker>> workers;
+  for (char name : {'A', 'B', 'C'}) {
+    workers.push_back(Quor::makePtr<Worker>(name, &fired));
+    workers.back()->notifierIs(clock);
+    workers.back()->timeMinIs(0.0);
+  }
+  for (int run = 0; run < 3; ++run) {
+    clock->runDue();
+    fired += '|';
+    EXPECT_EQ(Quor::turnDeadline(), Quor::never);  // outside a run
+  }
+  EXPECT_EQ(fired, "AB|CA|BC|");
+}
+
+// A pass of 100 steps of 1 ms each: slices end at the quantum (4.5 ms), and finish() runs what is left at once.
+TEST_F(ClockTest, ASlicedPassEndsEachSliceAtItsQuantumAndFinishRunsTheRest) {
+  int left = 100;
+  auto pass = Quor::slicedPass([&] {
+    fakeTime += 0.001;
+    return --left > 0;
+  }, 0.0045);
+  pass->start();
+  clock->runDue();
+  EXPECT_EQ(left, 95);  // 5 steps: the one that crosses the quantum ends the slice
+  EXPECT_TRUE(pass->pending());
+  clock->runDue();
+  EXPECT_EQ(left, 90);
+  pass->finish();
+  EXPECT_EQ(left, 0);
+  EXPECT_FALSE(pass->pending());
+  clock->runDue();
+  EXPECT_EQ(left, 0);
+  pass->stop();
 }
 
 }  // namespace

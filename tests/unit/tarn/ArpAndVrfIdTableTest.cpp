@@ -80,6 +80,7 @@ TEST_F(ArpAndVrfIdTables, ChangedNeighboursReachTheReactorsByKey) {
   arp_->mount(dir_.string(), Tarn::TableType::sharedMemory);
   auto heard = Quor::makePtr<HeardArp>();
   heard->notifierIs(arp_);
+  for (const ArpEntry& e : {stays, moves}) ASSERT_TRUE(arp_->arpEntry().lookup(e.key()).found());  // its first pass
   ArpEntry moved = moves;
   moved.ethAddr = Pelt::EthAddr(0x001c, 0x7300, 0x99);
   writer.put(moved);

@@ -22,6 +22,11 @@ class ChangeDelivery : public TarnTest::TableDir {
     writer_->commit();
     reader_ = open();
     feed_.follow(*reader_);
+    reader_->observerIs(&feed_);
+    for (U64 key : {1, 2}) {  // the receiver's own first pass
+      CheckedRecord out;
+      reader_->lookup(&key, &out);
+    }
   }
   std::unique_ptr<Tarn::TableWriter> makeWriter(bool fresh) {
     return std::make_unique<Tarn::TableWriter>(path(), TarnTest::checkedType, TarnTest::checkedGeometry(5000), 0,

@@ -183,6 +183,7 @@ TEST_F(FecTable, ChangedFecsReachTheReactorsByIdThroughTheEventLoop) {
   mount();
   auto heard = Quor::makePtr<Heard>();
   heard->notifierIs(status_);
+  for (U64 id : {7, 8}) ASSERT_TRUE(status_->fec().lookup(FecId(id)).found());  // its first pass
   writer.put(fecOfWrite(8, 2, 60));  // chunks only change, and the record with them
   writer.erase(FecId(7));
   writer.commit();

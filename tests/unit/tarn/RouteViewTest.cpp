@@ -116,6 +116,7 @@ TEST_F(RouteView, ChangedPrefixesReachTheReactorsThroughTheEventLoop) {
   writer.put(route("10.0.0.0/8", 1));
   writer.commit();
   mount();
+  ASSERT_TRUE(status_->route().lookup(Pelt::Prefix("10.0.0.0/8")).found());  // the reactors' first pass
   writer.put(route("10.0.0.0/8", 5));
   writer.put(route("192.168.0.0/24", 1));
   writer.commit();
