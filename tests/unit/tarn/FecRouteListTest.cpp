@@ -1,6 +1,7 @@
 // The FEC-to-routes list: a route that moves between FECs leaves its old list, deletions leave every
 // list, and whoever reacts to a FEC change finds the route changes made before it listed, also when
 // the two tables are files that notify separately.
+#include <algorithm>
 #include <filesystem>
 
 #include "platform/tarn/FecRouteListSm.h"
@@ -32,10 +33,7 @@ Tarn::Fib::Fec fec(U64 id, U8 hop) {
 class FecReader : public Tarn::Fib::ForwardingStatus::NotifieeConst {
  public:
   FecReader(Quor::Ptr<Tarn::Fib::FecRouteList> list, Pelt::Prefix watched) : list_(std::move(list)), watched_(watched) {}
-  void onFec(const FecId& id) override {
-    auto routes = list_->fecRoutes(id);
-    listedAtOnFec[id.value()] = routes && routes->route().count(watched_);
-  }
+  void onFec(const FecId& id) override { listedAtOnFec[id.value()] = list_->fecOf(watched_) == id; }
   std::map<U64, bool> listedAtOnFec;
 
  private:
@@ -49,10 +47,16 @@ class FecRouteLists : public TarnTest::TableDir {
     routes_->mount(dir_.string(), type);
     fecs_->mount(dir_.string(), type);
   }
-  void makeSm() { sm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routes_, fecs_, list_); }
+  // The machine, its first pass run to its end.
+  void makeSm() {
+    sm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routes_, fecs_, list_);
+    while (!sm_->filled()) Quor::activityManager()->clock()->runDue();
+  }
   std::set<Pelt::Prefix> listed(U64 id) const {
-    auto member = list_->fecRoutes(FecId(id));
-    return member ? std::set<Pelt::Prefix>(member->route().begin(), member->route().end()) : std::set<Pelt::Prefix>();
+    std::set<Pelt::Prefix> out;
+    list_->forEachRouteOf(FecId(id), [&](const Pelt::Prefix& prefix) { out.insert(prefix); });
+    EXPECT_EQ(out.size(), list_->routeCount(FecId(id)));
+    return out;
   }
   void put(const Route& r) { Tarn::inProcessTable(routes_->route()).put(r.prefix, r); }
 
@@ -79,14 +83,12 @@ TEST_F(FecRouteLists, ARouteThatMovesToAnotherFecLeavesTheOldList) {
   put(route("10.0.0.0/8", 1));
   put(route("10.1.0.0/16", 1));
   makeSm();
-  auto heldByAReader = list_->fecRoutes(FecId(1));
   put(route("10.0.0.0/8", 2));
   EXPECT_EQ(listed(1), std::set<Pelt::Prefix>{Pelt::Prefix("10.1.0.0/16")});
   EXPECT_EQ(listed(2), std::set<Pelt::Prefix>{Pelt::Prefix("10.0.0.0/8")});
   put(route("10.1.0.0/16", 2));
-  EXPECT_EQ(list_->fecRoutes(FecId(1)), nullptr);  // an emptied FEC has no member
-  EXPECT_TRUE(heldByAReader->route().empty());
-  EXPECT_EQ(list_->members(), 1u);
+  EXPECT_EQ(list_->routeCount(FecId(1)), 0u);
+  EXPECT_EQ(list_->members(), 1u);  // an emptied FEC has no member
 }
 
 TEST_F(FecRouteLists, ADeletedRouteLeavesEveryListAndAnUnmountEmptiesThem) {
@@ -95,10 +97,33 @@ TEST_F(FecRouteLists, ADeletedRouteLeavesEveryListAndAnUnmountEmptiesThem) {
   put(route("10.1.0.0/16", 2));
   makeSm();
   Tarn::inProcessTable(routes_->route()).erase(Pelt::Prefix("10.0.0.0/8"));
-  EXPECT_EQ(list_->fecRoutes(FecId(1)), nullptr);
-  EXPECT_EQ(list_->fecOf(Pelt::Prefix("10.0.0.0/8")), nullptr);
+  EXPECT_EQ(list_->routeCount(FecId(1)), 0u);
+  EXPECT_FALSE(list_->fecOf(Pelt::Prefix("10.0.0.0/8")));
   routes_->unmount();
   EXPECT_EQ(list_->members(), 0u);
+}
+
+// A walk of one FEC while routes come and go: the prefixes listed throughout are visited once each,
+// those that leave before it reaches them and those that join meanwhile are not.
+TEST_F(FecRouteLists, AWalkVisitsEveryPrefixListedThroughoutItOnce) {
+  auto prefix = [](U32 i) { return Pelt::Prefix(Pelt::IpAddr::fromHostOrder(0x0b000000u + (i << 8)), 24); };
+  for (U32 i = 0; i < 100; ++i) list_->routeIs(prefix(i), FecId(1));
+  ASSERT_TRUE(list_->walkFrom(FecId(1)));
+  std::vector<Pelt::Prefix> visited;
+  std::set<Pelt::Prefix> expected, left;
+  for (U32 i = 0; i < 100; ++i) expected.insert(prefix(i));
+  for (U32 step = 0; auto next = list_->walkNext(FecId(1)); ++step) {
+    visited.push_back(*next);
+    const Pelt::Prefix leaving = prefix((step * 7 + 3) % 100);
+    if (std::find(visited.begin(), visited.end(), leaving) == visited.end() && left.insert(leaving).second) {
+      expected.erase(leaving);
+      if (step % 2) list_->routeDel(leaving); else list_->routeIs(leaving, FecId(2));
+    }
+    list_->routeIs(prefix(1000 + step), FecId(1));  // joins behind the walk
+  }
+  EXPECT_EQ(std::set<Pelt::Prefix>(visited.begin(), visited.end()), expected);
+  EXPECT_EQ(visited.size(), expected.size());
+  EXPECT_FALSE(left.empty());
 }
 
 TEST_F(FecRouteLists, AFecReactorMadeBeforeTheListMachineFindsInProcessRouteChangesListed) {
