@@ -62,11 +62,12 @@ void IpAddressTableSm::vrfIpMibIs(const Quor::Ptr<IpMib>& ipMib) {
 }
 
 Quor::Ptr<IpMib> IpAddressTableSm::vrfIpMibDel(const Quor::Name& name) {
+  const L3::VrfName vrf(name);
+  for (auto it = ipIntfConfig_.begin(); it; ++it) it->vrfGone(vrf);
+  for (auto it = ipIntfStatus_.begin(); it; ++it) it->vrfGone(vrf);
   Quor::Ptr<QuorVrfIpMib> holder = vrfIpMib_.deleteMember(name);
   return holder ? holder->ipMib() : nullptr;
 }
-
-void IpAddressTableSm::vrfIpMibDelAll() { vrfIpMib_.clear(); }
 
 IpMib* IpAddressTableSm::vrfIpMib(const Quor::Name& name) const {
   QuorVrfIpMib* holder = vrfIpMib_.member(name);

@@ -74,10 +74,10 @@ class IpAddressTableSm : public Quor::Reactor {
   Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir() const;
   const Quor::Ptr<IpMib>& ipMib() const noexcept { return ipMib_; }
 
-  // The IpMib of a VRF other than the default, under its name (the VRF's). Rows are not touched.
+  // The IpMib of a VRF other than the default, under its name (the VRF's). Rows are not touched; the
+  // addresses that stood in a VRF whose IpMib goes wait for the VRF to come back (handleIntfInVrf).
   void vrfIpMibIs(const Quor::Ptr<IpMib>& ipMib);
   Quor::Ptr<IpMib> vrfIpMibDel(const Quor::Name& name);
-  void vrfIpMibDelAll();
   IpMib* vrfIpMib(const Quor::Name& name) const;
 
   // The reactor of one interface and side: made when absent, moved when its entity changed. A null
@@ -278,6 +278,10 @@ class IpAddressTableSm::QuorIpIntf : public S::Entity::NotifieeConst, public Int
   void l3Is(const Quor::Ptr<const typename S::L3Entity>& l3);
   // The VRF whose table holds the address; empty while the interface waits for its VRF.
   const L3::VrfName& currentVrf() const noexcept { return currentVrf_; }
+  // The table of `vrf` is gone: an address that stood in it waits for the VRF to come back.
+  void vrfGone(const L3::VrfName& vrf) {
+    if (currentVrf_ == vrf) currentVrf_ = L3::VrfName();
+  }
 
   void handleAddr();
   void handleVrf(const L3::VrfName& vrf);

@@ -13,7 +13,7 @@
 
 namespace IpSnmp {
 
-class Root : public Quor::Entity {
+class Root : public Quor::Entity, public VrfMachines {
  public:
   using Entity::Entity;
   // Deletes the machines in the order ipAddressTableSm, arpTableSm, ipRouteTableSm, vrfIfTableSm,
@@ -26,16 +26,6 @@ class Root : public Quor::Entity {
     return ipAddressTableSm_.machineIs(inputs);
   }
   Quor::Ptr<IpAddressTableSm> ipAddressTableSmDel() { return ipAddressTableSm_.machineDel(); }
-
-  const Quor::Ptr<ArpTableSm>& arpTableSm() const noexcept { return arpTableSm_.machine(); }
-  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const ArpTableSm::Inputs& inputs) { return arpTableSm_.machineIs(inputs); }
-  Quor::Ptr<ArpTableSm> arpTableSmDel() { return arpTableSm_.machineDel(); }
-
-  const Quor::Ptr<IpRouteTableSm>& ipRouteTableSm() const noexcept { return ipRouteTableSm_.machine(); }
-  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const IpRouteTableSm::Inputs& inputs) {
-    return ipRouteTableSm_.machineIs(inputs);
-  }
-  Quor::Ptr<IpRouteTableSm> ipRouteTableSmDel() { return ipRouteTableSm_.machineDel(); }
 
   const Quor::Ptr<VrfIfTableSm>& vrfIfTableSm() const noexcept { return vrfIfTableSm_.machine(); }
   Quor::ValidPtr<VrfIfTableSm> vrfIfTableSmIs(const VrfIfTableSm::Inputs& inputs) {
@@ -54,8 +44,6 @@ class Root : public Quor::Entity {
 
  private:
   MachineSlot<IpAddressTableSm> ipAddressTableSm_;
-  MachineSlot<ArpTableSm> arpTableSm_;
-  MachineSlot<IpRouteTableSm> ipRouteTableSm_;
   MachineSlot<VrfIfTableSm> vrfIfTableSm_;
   Quor::Ptr<VrfRootDir> vrfRootDir_;
   MachineSlot<VrfRootSm> vrfRootSm_;

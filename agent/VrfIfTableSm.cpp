@@ -48,6 +48,12 @@ void VrfIfTableSm::resynchronise(const Ip::Config& input) {
   for (const Pelt::IntfId& intfId : gone) ipIntfConfigDel(intfId);
 }
 
+void VrfIfTableSm::handleIntfInVrf(const Quor::Name& name) {
+  const L3::VrfName vrf(name);
+  for (auto it = ipIntfConfig_.begin(); it; ++it)
+    if (it->vrf() == vrf) it->addToVrfIfTable();
+}
+
 void VrfIfTableSm::quor_handleIpIntfConfig(QuorIpIntfConfig& reactor) { reactor.delFromVrfIfTable(); }
 
 void VrfIfTableSm::quorZombieNested(bool flag) {
@@ -91,9 +97,11 @@ void VrfIfTableSm::QuorIpIntfConfig::QuorL3Config::onVrf() { owner_->addToVrfIfT
 
 U32 VrfIfTableSm::QuorIpIntfConfig::rowKey() const { return static_cast<U32>(intfIfIndex(intfStatus_)); }
 
+L3::VrfName VrfIfTableSm::QuorIpIntfConfig::vrf() const { return L3::Intf::vrfOf(l3Config_->notifier()); }
+
 void VrfIfTableSm::QuorIpIntfConfig::addToVrfIfTable() {
   IPSNMP_HANDLER("void IpSnmp::VrfIfTableSm::QuorIpIntfConfig::addToVrfIfTable()");
-  L3::VrfName vrf = L3::Intf::vrfOf(l3Config_->notifier());
+  const L3::VrfName vrf = this->vrf();
   QTRACE(agentTracer(), 8, "void IpSnmp::VrfIfTableSm::QuorIpIntfConfig::addToVrfIfTable()" << " for vrf " << vrf);
   if (!vrfIfTableSm_) return;
   if (!intfStatus_) {

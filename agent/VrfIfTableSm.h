@@ -8,8 +8,8 @@
 // - an interface's status is sampled once, when its reactor is made; an interface whose status
 //   arrives after its IP configuration has no row until its reactor is made anew;
 // - an interface without an index yet is keyed 4294967295 (the index -1 taken as unsigned);
-// - the teardown of a VRF deletes that VRF's rows by name on its own, and they do not come back by
-//   themselves.
+// - the teardown of a VRF deletes that VRF's rows by name on its own; they come back when the VRF
+//   comes up again (handleIntfInVrf).
 #include "model/IpVrfMib.h"
 #include "platform/morvane/IntfStatus.h"
 #include "platform/morvane/IpIntf.h"
@@ -42,6 +42,9 @@ class VrfIfTableSm : public Quor::Reactor {
   Quor::Ptr<const Ip::IpIntfConfig> ipIntfConfigDel(const Pelt::IntfId& intfId);
   QuorIpIntfConfig* ipIntfConfig(const Pelt::IntfId& intfId) const { return ipIntfConfig_.member(intfId); }
   std::size_t ipIntfConfigs() const noexcept { return ipIntfConfig_.members(); }
+
+  // A VRF has come up: the rows of its interfaces, which its last teardown deleted, come back.
+  void handleIntfInVrf(const Quor::Name& name);
 
   // A reactor for every member of `input`, none for the others.
   void resynchronise(const Ip::Config& input);
@@ -95,6 +98,8 @@ class VrfIfTableSm::QuorIpIntfConfig : public Ip::IpIntfConfig::NotifieeConst, p
   const Quor::Ptr<const Interface::IntfStatus>& intfStatus() const noexcept { return intfStatus_; }
   void intfStatusIs(const Quor::Ptr<const Interface::IntfStatus>& status);
   void vrfIfTableSmIs(VrfIfTableSm* sm) noexcept { vrfIfTableSm_ = sm; }
+  // The VRF that the interface's L3 configuration names.
+  L3::VrfName vrf() const;
 
   void addToVrfIfTable();
   void delFromVrfIfTable();

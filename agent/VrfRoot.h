@@ -1,16 +1,14 @@
 #pragma once
 // What a non-default VRF owns of its own while it is up: its containers and its ARP and route
 // machines. VrfRootDir holds one VrfRoot per VRF that is up, by name.
-#include "agent/ArpTableSm.h"
-#include "agent/IpRouteTableSm.h"
-#include "agent/MachineSlot.h"
+#include "agent/VrfMachines.h"
 #include "model/IpForwardMib.h"
 #include "model/IpMib.h"
 #include "platform/quor/NotifyingDir.h"
 
 namespace IpSnmp {
 
-class VrfRoot : public Quor::Entity, public Quor::HashLink {
+class VrfRoot : public Quor::Entity, public Quor::HashLink, public VrfMachines {
  public:
   using Entity::Entity;
   // The ARP machine goes first, then the route machine; the containers keep their rows.
@@ -23,21 +21,9 @@ class VrfRoot : public Quor::Entity, public Quor::HashLink {
   const Quor::Ptr<IpForwardMib>& ipForwardMib() const noexcept { return ipForwardMib_; }
   void ipForwardMibIs(const Quor::Ptr<IpForwardMib>& ipForwardMib) { ipForwardMib_ = ipForwardMib; }
 
-  const Quor::Ptr<ArpTableSm>& arpTableSm() const noexcept { return arpTableSm_.machine(); }
-  Quor::ValidPtr<ArpTableSm> arpTableSmIs(const ArpTableSm::Inputs& inputs) { return arpTableSm_.machineIs(inputs); }
-  Quor::Ptr<ArpTableSm> arpTableSmDel() { return arpTableSm_.machineDel(); }
-
-  const Quor::Ptr<IpRouteTableSm>& ipRouteTableSm() const noexcept { return ipRouteTableSm_.machine(); }
-  Quor::ValidPtr<IpRouteTableSm> ipRouteTableSmIs(const IpRouteTableSm::Inputs& inputs) {
-    return ipRouteTableSm_.machineIs(inputs);
-  }
-  Quor::Ptr<IpRouteTableSm> ipRouteTableSmDel() { return ipRouteTableSm_.machineDel(); }
-
  private:
   Quor::Ptr<IpMib> ipMib_;
   Quor::Ptr<IpForwardMib> ipForwardMib_;
-  MachineSlot<ArpTableSm> arpTableSm_;
-  MachineSlot<IpRouteTableSm> ipRouteTableSm_;
 };
 
 class VrfRootDir : public Quor::NotifyingDir<VrfRootDir, VrfRoot> {

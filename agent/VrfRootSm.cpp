@@ -26,13 +26,14 @@ VrfRootSm::VrfRootSm(const Inputs& inputs)
       vrfMibsDir_(inputs.vrfMibsDir),
       vrfRootDir_(inputs.vrfRootDir),
       allVrfStatusLocal_(Quor::reactorOn<QuorAllVrfStatusLocal>(inputs.allVrfStatusLocal, this)),
-      allVrfConfig_(inputs.allVrfConfig),
+      allVrfConfig_(Quor::reactorOn<QuorAllVrfConfig>(inputs.allVrfConfig, this)),
       snmpStatus_(inputs.snmpStatus),
       ipVrfMib_(inputs.ipVrfMib),
       entityManager_(inputs.entityManager),
       arpTarn_(Quor::reactorOn<QuorArpTarn>(inputs.arpTarn, this)),
       arpTarnVrfIdMap_(inputs.arpTarnVrfIdMap),
       defaultVrfArpTableSm_(inputs.defaultVrfArpTableSm),
+      vrfIfTableSm_(inputs.vrfIfTableSm),
       snmpContexts_(inputs.snmpContexts) {
   wired_ = true;
   resynchroniseVrfStatusLocal();
@@ -40,7 +41,7 @@ VrfRootSm::VrfRootSm(const Inputs& inputs)
 }
 
 // The reactors become zombies in the order intfStatusDir, routingVrfConfigDir, routingVrfInfoDir,
-// allVrfStatusLocal, arpTarn, arpTarnVrfNameToIdMap, the status members (each of which tears its VRF
+// allVrfStatusLocal, arpTarn, allVrfConfig, arpTarnVrfNameToIdMap, the status members (each of which tears its VRF
 // down), snmpAgentStatus; then none of them reaches the machine any more.
 VrfRootSm::~VrfRootSm() {
   quorDoZombieReactors(true);
@@ -49,6 +50,7 @@ VrfRootSm::~VrfRootSm() {
   if (routingVrfInfoDir_) routingVrfInfoDir_->vrfRootSmIs(nullptr);
   if (allVrfStatusLocal_) allVrfStatusLocal_->vrfRootSmIs(nullptr);
   if (arpTarn_) arpTarn_->vrfRootSmIs(nullptr);
+  if (allVrfConfig_) allVrfConfig_->vrfRootSmIs(nullptr);
   if (arpTarnVrfNameToIdMap_) arpTarnVrfNameToIdMap_->vrfRootSmIs(nullptr);
   if (snmpAgentStatus_) snmpAgentStatus_->vrfRootSmIs(nullptr);
   for (auto it = vrfStatusLocal_.begin(); it; ++it) it->vrfRootSmIs(nullptr);
@@ -61,6 +63,7 @@ void VrfRootSm::quorZombieNested(bool flag) {
   zombieIs(routingVrfInfoDir_, flag);
   zombieIs(allVrfStatusLocal_, flag);
   zombieIs(arpTarn_, flag);
+  zombieIs(allVrfConfig_, flag);
   zombieIs(arpTarnVrfNameToIdMap_, flag);
   for (auto it = vrfStatusLocal_.begin(); it; ++it) it->quorDoZombieReactors(flag);
   zombieIs(snmpAgentStatus_, flag);
@@ -71,61 +74,78 @@ Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap> VrfRootSm::arpTarnVrfNameToIdMap() c
 }
 
 void VrfRootSm::handleInitialized(bool value) {
-  if (!value || initialized_) return;
+  if (value == initialized_) return;
+  if (!value) {
+    std::vector<Quor::Name> up;
+    for (auto it = vrfRoot_.begin(); it; ++it) up.push_back(it.key());
+    for (const Quor::Name& name : up) doVrfDown(name);
+    if (arpTarnVrfNameToIdMap_) arpTarnVrfNameToIdMap_->quorDoZombieReactors(true);
+    arpTarnVrfNameToIdMap_ = nullptr;
+    arpTarnVrfIdReverseMapper_ = nullptr;
+    initialized_ = false;
+    return;
+  }
   initialized_ = true;
   auto map = Quor::makePtr<Vrf::VrfIdMap::NameToIdMap>(Quor::Name("arpTarnVrfNameToIdMap"));
   arpTarnVrfNameToIdMap_ = Quor::reactorOn<QuorArpTarnVrfNameToIdMap>(Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap>(map), this);
-  if (arpTarnVrfIdMap_) arpTarnVrfIdReverseMapper_ = Quor::makePtr<Vrf::VrfIdMap::ReverseMapper>(arpTarnVrfIdMap_, map);
+  arpTarnVrfIdReverseMapper_ = Quor::makePtr<Vrf::VrfIdMap::ReverseMapper>(arpTarnVrfIdMap_, map);
   handleVrfCreation();
   handleIntfStatus();
 }
 
 void VrfRootSm::handleVrfCreation() {
-  if (routingVrfInfoDir_ && routingVrfInfoDir_->notifier())
-    for (const auto& [name, entity] : routingVrfInfoDir_->notifier()->entityPtrs()) handleVrfCreation(name);
-  if (routingVrfConfigDir_ && routingVrfConfigDir_->notifier())
-    for (const auto& [name, config] : routingVrfConfigDir_->notifier()->vrfConfigs()) addToVrfTable(name);
+  for (const auto& [name, entity] : routingVrfInfoDir_->notifier()->entityPtrs()) doVrfBringUp(name, false);
+  for (const auto& [name, config] : routingVrfConfigDir_->notifier()->vrfConfigs()) addToVrfTable(name);
 }
 
 void VrfRootSm::handleVrfCreation(const Quor::Name& name) {
   IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleVrfCreation(Quor::Name)");
   QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::handleVrfCreation(Quor::Name)" << " for vrf " << name);
+  doVrfBringUp(name, true);
+}
+
+void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
   if (!initialized_) return;
-  if (vrfRoot_.member(name)) return;
-  if (!routingVrfInfoDir_ || !routingVrfInfoDir_->notifier() || !routingVrfInfoDir_->notifier()->entityPtr(name))
-    return;
+  addToVrfTable(name);
+  if (vrfRoot_.member(name) || !routingVrfInfoDir_->notifier()->entityPtr(name)) return;
+  try {
+    QuorTarn::Mount mount(entityManager_, "");
+    mount.handleInitialized();
+    const std::string routePath = formatted(Tarn::Fib::vrfRoutePathFormat, name);
+    const std::string forwardingPath = formatted(Tarn::Fib::vrfForwardingPathFormat, name);
+    mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
+    auto routeStatus = Quor::dynamicPtrCast<const Tarn::Fib::RouteStatus>(mount.getEntity(routePath));
+    mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo());
+    auto forwardingStatus = Quor::dynamicPtrCast<const Tarn::Fib::ForwardingStatus>(mount.getEntity(forwardingPath));
 
-  QuorTarn::Mount mount(entityManager_, "");
-  mount.handleInitialized();
-  const std::string routePath = formatted(Tarn::Fib::vrfRoutePathFormat, name);
-  const std::string forwardingPath = formatted(Tarn::Fib::vrfForwardingPathFormat, name);
-  mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
-  auto routeStatus = Quor::dynamicPtrCast<const Tarn::Fib::RouteStatus>(mount.getEntity(routePath));
-  mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo());
-  auto forwardingStatus = Quor::dynamicPtrCast<const Tarn::Fib::ForwardingStatus>(mount.getEntity(forwardingPath));
+    Quor::ValidPtr<VrfRoot> root = vrfRootDir_->vrfRootIs(name);
+    vrfRootIs(Quor::Ptr<const VrfRoot>(root.ptr()));
+    Quor::ValidPtr<VrfMibs> mibs = vrfMibsDir_->mibsIs(name);
+    Quor::ValidPtr<IpMib> ipMib = mibs->ipmibIs(name);
+    Quor::ValidPtr<IpForwardMib> ipForwardMib = mibs->ipforwardmibIs(name);
+    root->ipMibIs(ipMib);
+    root->ipForwardMibIs(ipForwardMib);
 
-  Quor::ValidPtr<VrfRoot> root = vrfRootDir_->vrfRootIs(name);
-  vrfRootIs(Quor::Ptr<const VrfRoot>(root.ptr()));
-  Quor::ValidPtr<VrfMibs> mibs = vrfMibsDir_->mibsIs(name);
-  Quor::ValidPtr<IpMib> ipMib = mibs->ipmibIs(name);
-  Quor::ValidPtr<IpForwardMib> ipForwardMib = mibs->ipforwardmibIs(name);
-  root->ipMibIs(ipMib);
-  root->ipForwardMibIs(ipForwardMib);
+    auto nameToIdMap = arpTarnVrfNameToIdMap();
+    const Vrf::VrfIdMap::VrfId id = nameToIdMap ? nameToIdMap->vrfNameToId(name) : Vrf::VrfIdMap::unknownVrfId;
+    const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir = intfStatusDir_->notifier();
+    auto arp = root->arpTableSmIs({.intfStatusDir = intfStatusDir, .ipMib = ipMib, .arpTarn = arpTarn_->notifier(), .arpTarnVrfId = id});
+    root->ipRouteTableSmIs({.ipForwardMib = ipForwardMib,
+                            .intfStatusDir = intfStatusDir,
+                            .routeStatus = routeStatus,
+                            .forwardingStatus = forwardingStatus,
+                            .clock = Quor::activityManager()->clock()});
+    if (populateArp) arp->populate();
 
-  auto nameToIdMap = arpTarnVrfNameToIdMap();
-  Vrf::VrfIdMap::VrfId id = nameToIdMap ? nameToIdMap->vrfNameToId(name) : Vrf::VrfIdMap::unknownVrfId;
-  const Quor::Ptr<const Interface::AllIntfStatusDir>& intfStatusDir = intfStatusDir_->notifier();
-  root->arpTableSmIs({.intfStatusDir = intfStatusDir, .ipMib = ipMib, .arpTarn = arpTarn_->notifier(), .arpTarnVrfId = id});
-  root->ipRouteTableSmIs({.ipForwardMib = ipForwardMib,
-                          .intfStatusDir = intfStatusDir,
-                          .routeStatus = routeStatus,
-                          .forwardingStatus = forwardingStatus,
-                          .clock = Quor::activityManager()->clock()});
-
-  ipAddressTableSm_->vrfIpMibIs(ipMib);
-  ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);
-  if (snmpContexts_) snmpContexts_->contextIs(name);
-  ipAddressTableSm_->handleIntfInVrf(name);
+    ipAddressTableSm_->vrfIpMibIs(ipMib);
+    ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);
+    if (snmpContexts_) snmpContexts_->contextIs(name);
+    ipAddressTableSm_->handleIntfInVrf(name);
+    if (vrfIfTableSm_) vrfIfTableSm_->handleIntfInVrf(name);
+  } catch (const std::exception& e) {
+    QTRACE(agentTracer(), 0, "VRF " << name << " not brought up: " << e.what());
+    doVrfDown(name);
+  }
 }
 
 void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
@@ -133,18 +153,23 @@ void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
   if (!initialized_) return;
   if (ipVrfMib_->vrfTable(Snmp::String(name))) delFromVrfTable(name);
   if (!vrfRoot_.member(name)) return;
-
-  if (snmpContexts_) snmpContexts_->contextDel(name);
-  QuorTarn::Mount mount(entityManager_, "");
-  mount.handleInitialized();
-  mount.doUnmount(formatted(Tarn::Fib::vrfRoutePathFormat, name));
-  mount.doUnmount(formatted(Tarn::Fib::vrfForwardingPathFormat, name));
-
+  doVrfDown(name);
   std::vector<U32> rows;
   for (auto it = ipVrfMib_->vrfIfTable().begin(); it; ++it)
     if (it->vrfName() == name) rows.push_back(it.key());
   for (U32 ifIndex : rows) ipVrfMib_->vrfIfTableDel(ifIndex);
+}
 
+void VrfRootSm::doVrfDown(const Quor::Name& name) {
+  if (snmpContexts_ && vrfRoot_.member(name)) snmpContexts_->contextDel(name);
+  try {
+    QuorTarn::Mount mount(entityManager_, "");
+    mount.handleInitialized();
+    mount.doUnmount(formatted(Tarn::Fib::vrfRoutePathFormat, name));
+    mount.doUnmount(formatted(Tarn::Fib::vrfForwardingPathFormat, name));
+  } catch (const Quor::RangeException&) {
+    // A name that makes no mount path has nothing mounted.
+  }
   ipAddressTableSm_->vrfIpMibDel(name);
   vrfMibsDir_->mibsDel(name);
   vrfRootDel(name);
@@ -156,7 +181,7 @@ void VrfRootSm::addToVrfTable(const Quor::Name& name) {
   QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::addToVrfTable(Quor::Name)" << " for vrf " << name);
   const L3::VrfName vrf(name);
   if (ipVrfMib_->vrfTable(Snmp::String(name))) return;
-  auto config = allVrfConfig_ ? allVrfConfig_->vrf(vrf) : nullptr;
+  auto config = allVrfConfig_->notifier()->vrf(vrf);
   if (!config) return;
   auto status = allVrfStatusLocal_ && allVrfStatusLocal_->notifier() ? allVrfStatusLocal_->notifier()->vrf(vrf) : nullptr;
   if (!status) return;
@@ -396,6 +421,10 @@ void VrfRootSm::QuorVrfStatusLocal::handleDel() {
   IPSNMP_HANDLER("void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel()");
   QTRACE(agentTracer(), 8, "void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel()" << " for vrf " << name_);
   if (vrfRootSm_) vrfRootSm_->doVrfTeardown(name_);
+}
+
+void VrfRootSm::QuorAllVrfConfig::onVrf(const L3::VrfName& name) {
+  if (vrfRootSm_ && vrfRootSm_->initialized() && !name.isDefault()) vrfRootSm_->addToVrfTable(name.nameValue());
 }
 
 void VrfRootSm::QuorArpTarn::onArpEntry(const Arp::Table::ArpKey& key) {

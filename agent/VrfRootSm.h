@@ -7,11 +7,18 @@
 // routingVrfInfoDir): its tables are mounted, its containers and machines made, its address
 // reactors let in, and only then is its SNMP context opened. It goes at state 2, or when its status
 // member leaves: the context is closed first, then its tables are unmounted and its rows, containers
-// and machines deleted. It can come up again, with fresh, empty containers.
+// and machines deleted. It can come up again, with fresh containers that the machines fill whole: its
+// neighbours (the ARP machine populates when it is made with a known VRF id), its interfaces'
+// addresses of either side, its oskelVrfIfTable rows. When the agent's status goes from initialized
+// to not, every VRF goes down the same way (keeping its vrfTable row), and comes back when the status
+// returns. A VRF whose bring-up fails (tables that cannot be mounted under its name, say) is traced
+// at level 0, left down with nothing of it kept, and the others go on.
 //
 // Deliberate, and relied on:
 // - nothing about VRFs happens before the agent is initialized, except vrfTable rows: a state 0 adds
-//   the row whenever its three sources exist; a VRF torn down before initialization keeps its row;
+//   the row whenever its three sources exist; after initialization a state 1, a publication and the
+//   arrival of the VRF's IP configuration do as well; a VRF torn down before initialization keeps its
+//   row;
 // - a VRF leaving routingVrfInfoDir is not torn down for that; only its status decides;
 // - the default VRF is not special-cased here: its machines are Root's, and the inputs must not list it;
 // - vrfTable rows are never refreshed: a row stays with the objects it was made from;
@@ -19,6 +26,7 @@
 //   the id's arrival (populate) or an interface change brings them in later.
 #include "agent/IpAddressTableSm.h"
 #include "agent/SnmpContexts.h"
+#include "agent/VrfIfTableSm.h"
 #include "agent/VrfRoot.h"
 #include "model/IpVrfMib.h"
 #include "model/VrfMibs.h"
@@ -37,6 +45,7 @@ class VrfRootSm : public Quor::Reactor {
   class QuorAllVrfStatusLocal;
   class QuorVrfStatusLocal;
   class QuorArpTarn;
+  class QuorAllVrfConfig;
   class QuorArpTarnVrfNameToIdMap;
   class QuorSnmpAgentStatus;
   class QuorVrfRoot;
@@ -57,6 +66,8 @@ class VrfRootSm : public Quor::Reactor {
     Quor::ValidPtr<const Arp::Table::Status> arpTarn;
     Quor::ValidPtr<const Vrf::VrfIdMap::Status> arpTarnVrfIdMap;
     Quor::ValidPtr<ArpTableSm> defaultVrfArpTableSm;
+    // The VRF interface machine, which gives a VRF that comes up again its rows back; may be absent.
+    Quor::Ptr<VrfIfTableSm> vrfIfTableSm;
     SnmpContexts* snmpContexts = nullptr;
     friend bool operator==(const Inputs&, const Inputs&) = default;
   };
@@ -73,10 +84,12 @@ class VrfRootSm : public Quor::Reactor {
   const Quor::Ptr<const Vrf::VrfIdMap::Status>& arpTarnVrfIdMap() const noexcept { return arpTarnVrfIdMap_; }
   Quor::Ptr<const Vrf::VrfIdMap::NameToIdMap> arpTarnVrfNameToIdMap() const;
 
-  // Agent status: the first true brings the VRFs up and loads the ARP tables; false is not handled.
+  // Agent status: true brings the VRFs up and loads the ARP tables; false takes them down again.
   void handleInitialized(bool value);
-  // Brings up every published VRF and adds the rows of every VRF with routing configuration.
+  // Brings up every published VRF and adds the rows of every VRF with routing configuration; the ARP
+  // tables are loaded after, in one walk for all.
   void handleVrfCreation();
+  // Brings one VRF up, if it is published and not up yet, with its neighbours.
   void handleVrfCreation(const Quor::Name& name);
   void addToVrfTable(const Quor::Name& name);
   void delFromVrfTable(const Quor::Name& name);
@@ -109,8 +122,13 @@ class VrfRootSm : public Quor::Reactor {
                                                        Quor::String8* vrfName);
   // arpTarnKeyToArpTableSm without a reference of its own, which the constructor's passes may not take.
   Quor::Ptr<ArpTableSm> arpTableSmOf(const Arp::Table::ArpKey& key, Quor::String8* vrfName) const;
+  // The bring-up of a published VRF that is not up; `populateArp` loads its neighbours at once.
+  void doVrfBringUp(const Quor::Name& name, bool populateArp);
   // The teardown of a VRF that is up, or of its row only.
   void doVrfTeardown(const L3::VrfName& name);
+  // What of a VRF is up goes: its context, its tables' mounts, its containers and machines. Also
+  // what a failed bring-up made.
+  void doVrfDown(const Quor::Name& name);
   Arp::Table::ArpEntry arpEntryOf(const Arp::Table::ArpKey& key) const;
   // Calls `add` for every entry of the ARP table, stopping at the first damaged read.
   template <class Visit>
@@ -127,13 +145,14 @@ class VrfRootSm : public Quor::Reactor {
   const Quor::Ptr<VrfRootDir> vrfRootDir_;
   Quor::HashMap<QuorVrfRoot, Quor::Name> vrfRoot_;
   Quor::Ptr<QuorAllVrfStatusLocal> allVrfStatusLocal_;
-  const Quor::Ptr<const Ip::AllVrfConfig> allVrfConfig_;
+  Quor::Ptr<QuorAllVrfConfig> allVrfConfig_;
   const Quor::Ptr<const Snmp::Status> snmpStatus_;
   const Quor::Ptr<IpVrfMib> ipVrfMib_;
   const Quor::Ptr<const Morvane::EntityManager> entityManager_;
   Quor::Ptr<QuorArpTarn> arpTarn_;
   const Quor::Ptr<const Vrf::VrfIdMap::Status> arpTarnVrfIdMap_;
   const Quor::Ptr<ArpTableSm> defaultVrfArpTableSm_;
+  const Quor::Ptr<VrfIfTableSm> vrfIfTableSm_;
   Quor::Ptr<QuorArpTarnVrfNameToIdMap> arpTarnVrfNameToIdMap_;
   Quor::Ptr<Vrf::VrfIdMap::ReverseMapper> arpTarnVrfIdReverseMapper_;
   Quor::HashMap<QuorVrfStatusLocal, L3::VrfName> vrfStatusLocal_;
@@ -207,6 +226,13 @@ class VrfRootSm::QuorVrfStatusLocal final : public Ip::VrfStatusLocal::NotifieeC
  private:
   const L3::VrfName name_;
   VrfRootSm* vrfRootSm_;
+};
+
+// A VRF's IP configuration may come last of the three sources of its vrfTable row.
+class VrfRootSm::QuorAllVrfConfig final : public VrfRootSmInput<Ip::AllVrfConfig::NotifieeConst> {
+ public:
+  using VrfRootSmInput::VrfRootSmInput;
+  void onVrf(const L3::VrfName& name) override;
 };
 
 class VrfRootSm::QuorArpTarn final : public VrfRootSmInput<Arp::Table::Status::NotifieeConst> {

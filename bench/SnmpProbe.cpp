@@ -10,6 +10,10 @@
 //       answer that has the value, or to the sending of the request that found it gone); exits 1
 //       when LIMIT-S seconds pass first.
 //
+//   ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST time get|getnext OID COUNT
+//       sends COUNT GETs (or GETNEXTs) of OID one after the other and prints "median_ms=X worst_ms=X"
+//       of their response times; exits 1 when one gets no answer.
+//
 //   ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET
 //       opens the route table under TABLE-ROOT once, as a routing agent does, and puts COUNT + 1 new
 //       routes 201.OCTET.i.0/24 (i < 256) through FEC 1 (next hop 10.0.0.2), each committed and then
@@ -160,6 +164,24 @@ int watch(Session& session, const Oid& target, const Oid* walkRoot, double inter
   return 0;
 }
 
+int timeRequests(Session& session, int command, const Oid& target, int count) {
+  std::vector<double> times;
+  for (int i = 0; i < count; ++i) {
+    netsnmp_pdu* pdu = snmp_pdu_create(command);
+    snmp_add_null_var(pdu, target.ids, target.length);
+    const Clock::time_point start = Clock::now();
+    netsnmp_pdu* response = session.ask(pdu);
+    times.push_back(msSince(start));
+    if (!response) {
+      std::printf("median_ms=timeout worst_ms=timeout\n");
+      return 1;
+    }
+    snmp_free_pdu(response);
+  }
+  std::printf("median_ms=%.3f worst_ms=%.3f\n", quantile(times, 0.5), quantile(times, 1.0));
+  return 0;
+}
+
 // Runs `argv` to its end; false when it fails.
 bool run(char** argv) {
   const pid_t child = ::fork();
@@ -209,8 +231,7 @@ double untilSeen(Session& session, const Oid& target, Clock::time_point from, do
 }
 
 // Polls with a GETNEXT from `previous`, a row that exists, until the answer is `target`; the
-// milliseconds from `from`, or -1 after `limitS`. A GET of a row that does not exist yet would make
-// the table iterator look at every row.
+// milliseconds from `from`, or -1 after `limitS`.
 double untilNext(Session& session, const Oid& previous, const Oid& target, Clock::time_point from, double limitS) {
   while (msSince(from) < limitS * 1e3) {
     netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_GETNEXT);
@@ -253,6 +274,7 @@ int usage() {
   std::fprintf(stderr,
                "usage: ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST watch OID [WALK-OID] [INTERVAL-MS]\n"
                "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST appear|gone OID LIMIT-S [COMMAND...]\n"
+               "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST time get|getnext OID COUNT\n"
                "       ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET\n");
   return 2;
 }
@@ -297,6 +319,12 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "ipsnmp-bench-probe: %s\n", e.what());
       return 2;
     }
+  }
+  if (mode == "time") {
+    const std::string command = argv[i + 2];
+    if (argc - i != 5 || (command != "get" && command != "getnext")) return usage();
+    return timeRequests(session, command == "get" ? SNMP_MSG_GET : SNMP_MSG_GETNEXT, parseOid(argv[i + 3]),
+                        std::atoi(argv[i + 4]));
   }
   const Oid target = parseOid(argv[i + 2]);
   if (mode == "watch") {

@@ -34,7 +34,7 @@ struct IpAddrTableTraits {
 
   static const Container::IpAddrTable& collection(const Container& mib) { return mib.ipAddrTable(); }
   static Pelt::IpAddr keyOf(Pelt::IpAddr addr) { return addr; }
-  static void writeIndex(const Row& row, IndexWriter& index) { index.ipAddress("ipAdEntAddr", row.ipAdEntAddr()); }
+  static void writeIndex(Pelt::IpAddr addr, IndexWriter& index) { index.ipAddress("ipAdEntAddr", addr); }
   static bool isColumn(int colnum) { return colnum >= 1 && colnum <= 5; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {
     switch (colnum) {
@@ -66,8 +66,7 @@ struct IpAddressPrefixTableTraits {
                                           unsigned int length) {
     return {static_cast<U32>(ifIndex), version, bytes, length};
   }
-  static void writeIndex(const Row& row, IndexWriter& index) {
-    const IpSnmp::IpAddressPrefixKey& key = row.fwkKey();
+  static void writeIndex(const IpSnmp::IpAddressPrefixKey& key, IndexWriter& index) {
     index.integer("ifIndex", static_cast<int>(key.ifIndex));
     index.integer("version", key.version);
     index.octets("bytes", key.bytes, addressIndexBufferSize);
@@ -98,9 +97,9 @@ struct IpAddressTableTraits {
 
   static const Container::IpAddressTable& collection(const Container& mib) { return mib.ipAddressTable(); }
   static IpSnmp::InetAddress keyOf(Ip::IpVersion version, const Snmp::String& bytes) { return {version, bytes}; }
-  static void writeIndex(const Row& row, IndexWriter& index) {
-    index.integer("addrVersion", row.addrVersion());
-    index.octets("addrBytes", row.addrBytes(), addressIndexBufferSize);
+  static void writeIndex(const IpSnmp::InetAddress& key, IndexWriter& index) {
+    index.integer("addrVersion", key.version);
+    index.octets("addrBytes", key.bytes, addressIndexBufferSize);
   }
   static bool isColumn(int colnum) { return colnum >= 3 && colnum <= 11; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {

@@ -6,6 +6,8 @@
 // writable so that a SET reaches the handler, which refuses it.
 #include "frontend/IpForward.h"
 
+#include <limits>
+
 #include "frontend/Conversions.h"
 #include "frontend/ElementaryConversions.h"
 #include "frontend/ScalarHandler.h"
@@ -51,11 +53,15 @@ struct IpCidrRouteTableTraits {
   static IpSnmp::IpCidrRouteTableIndex keyOf(Pelt::IpAddr dest, Pelt::IpAddr mask, int tos, Pelt::IpAddr nextHop) {
     return {dest, mask, static_cast<U32>(tos), nextHop};
   }
-  static void writeIndex(const Row& row, IndexWriter& index) {
-    index.ipAddress("dest", row.dest());
-    index.ipAddress("mask", row.mask());
+  static void writeIndex(const IpSnmp::IpCidrRouteTableIndex& key, IndexWriter& index) {
+    index.ipAddress("dest", key.dest);
+    index.ipAddress("mask", key.mask);
     index.integer("tos", 0);
-    index.ipAddress("nextHop", row.nextHop());
+    index.ipAddress("nextHop", key.nextHop);
+  }
+  // The index shows no type of service: the keys of every type of service write the same index.
+  static IpSnmp::IpCidrRouteTableIndex lastKeyOfIndex(const IpSnmp::IpCidrRouteTableIndex& key) {
+    return {key.dest, key.mask, std::numeric_limits<U32>::max(), key.nextHop};
   }
   static bool isColumn(int colnum) { return colnum >= 1 && colnum <= 16; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer);

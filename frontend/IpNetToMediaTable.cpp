@@ -34,9 +34,9 @@ struct IpNetToMediaTableTraits {
   static IpSnmp::ArpTableIndex keyOf(int ifIndex, Pelt::IpAddr netAddress) {
     return {static_cast<U32>(ifIndex), netAddress};
   }
-  static void writeIndex(const Row& row, IndexWriter& index) {
-    index.integer("ifIndex", static_cast<int>(row.ifIndex()));
-    index.ipAddress("netAddress", row.netAddress());
+  static void writeIndex(const IpSnmp::ArpTableIndex& key, IndexWriter& index) {
+    index.integer("ifIndex", static_cast<int>(key.ifIndex));
+    index.ipAddress("netAddress", key.ipAddr);
   }
   static bool isColumn(int colnum) { return colnum >= 1 && colnum <= 4; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {

@@ -81,7 +81,7 @@ struct OskelSwFwdIpStatsTableTraits {
   static constexpr int bufferSize = 1024;
 
   static const Container::IpSwFwdStats& collection(const Container& mib) { return mib.ipSwFwdStats(); }
-  static void writeIndex(const Row& row, IndexWriter& index) { index.integer("ipVersion", row.ipVersion()); }
+  static void writeIndex(Ip::IpVersion version, IndexWriter& index) { index.integer("ipVersion", version); }
   static bool isColumn(int colnum) { return colnum >= firstCounterColumn && colnum <= refreshRateColumn; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {
     if (colnum == discontinuityTimeColumn)

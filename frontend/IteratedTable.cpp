@@ -1,11 +1,19 @@
 #include "frontend/IteratedTable.h"
 
+#include <algorithm>
+
 #include "frontend/ElementaryConversions.h"
 
 namespace {
 
 constexpr int indexBufferSize = 1024;
 constexpr int columnBufferSize = 1024;
+
+template <class V>
+void traceIndexValue(const char* table, const char* field, const V& value) {
+  if (table)
+    QTRACE(tableTracer(), 2, table << "IterationHelper - iterator has another value: " << field << "=" << value);
+}
 
 }  // namespace
 
@@ -28,25 +36,25 @@ const Quor::Tracer& tableTracer() {
 }
 
 void IndexWriter::integer(const char* field, int value) {
-  QTRACE(tableTracer(), 2, table_ << "IterationHelper - iterator has another value: " << field << "=" << value);
+  traceIndexValue(table_, field, value);
   unsigned char buffer[indexBufferSize];
   set(ASN_INTEGER, buffer, SnmpConvert<int, S32ToAsnIntegerF>(value, buffer, sizeof buffer));
 }
 
 void IndexWriter::unsignedInteger(const char* field, unsigned int value) {
-  QTRACE(tableTracer(), 2, table_ << "IterationHelper - iterator has another value: " << field << "=" << value);
+  traceIndexValue(table_, field, value);
   unsigned char buffer[indexBufferSize];
   set(ASN_UNSIGNED, buffer, SnmpConvert<unsigned int, U32ToAsnUnsignedF>(value, buffer, sizeof buffer));
 }
 
 void IndexWriter::octets(const char* field, const Snmp::String& value, int bufferSize) {
-  QTRACE(tableTracer(), 2, table_ << "IterationHelper - iterator has another value: " << field << "=" << value);
+  traceIndexValue(table_, field, value);
   unsigned char buffer[indexBufferSize];
   set(ASN_OCTET_STR, buffer, SnmpConvert<const Quor::String8&, StringToAsnOctetStringF>(value, buffer, bufferSize));
 }
 
 void IndexWriter::ipAddress(const char* field, Pelt::IpAddr value) {
-  QTRACE(tableTracer(), 2, table_ << "IterationHelper - iterator has another value: " << field << "=" << value);
+  traceIndexValue(table_, field, value);
   unsigned char buffer[indexBufferSize];
   set(ASN_PRIV_IMPLIED_OCTET_STR, buffer,
       SnmpConvert<const Pelt::IpAddr&, PeltIpAddrToAsnOctetStringF>(value, buffer, sizeof buffer));
@@ -114,3 +122,15 @@ void invalidColumn(const char* table, netsnmp_request_info* request, int colnum)
 }
 
 }  // namespace TableHandler
+
+bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, const oid* index, std::size_t length) {
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < components; ++i, written = written->next_variable) {
+    // build_oid_segment is what the helper's comparison of a row's index goes through.
+    if (!written || build_oid_segment(written) != SNMPERR_SUCCESS) return false;
+    const oid* const from = written->name;
+    if (written->name_length > length - at || !std::equal(from, from + written->name_length, index + at)) return false;
+    at += written->name_length;
+  }
+  return at == length;
+}

@@ -2,25 +2,27 @@
 // The iterated table frame: the six functions that every table of the front end gives the
 // table-iterator helper of net-snmp, written once over a table's traits.
 //
-// Loop and data contexts are heap copies of the table's const iterator, which pins its row with a
-// strong reference: the row stays readable after its removal, and the iterator finds its place again
-// by key when the table's version has changed since it last stepped. Nothing is kept between
-// requests; a request finds its place from its index alone, through the hint (IteratorHint.h): a
-// hint that names an existing row starts the search there, anything else starts it at the first row.
-// A hint can only shorten a search, never change its answer.
+// Data contexts are heap copies of the table's const iterator, which pins its row with a strong
+// reference: the row stays readable after its removal, and the iterator finds its place again by key
+// when the table's version has changed since it last stepped. A loop context is such an iterator and,
+// for a GET that the hint placed, the last key whose row could answer it. Nothing is kept between
+// requests; a request finds its place from its index alone, through the hint (IteratorHint.h):
+//   - a hint that names an existing row starts the search at that row;
+//   - a hint whose key, written back as an index, is exactly the request's index starts it at the
+//     first row not below that key (one ordered lookup), and a GET's search ends after the last key
+//     that writes that index;
+//   - any other hint (wrong type, out of range, partial, longer than an index, a value that the
+//     index cannot carry) starts it at the first row.
+// Deliberate, and what the second case rests on: every table writes its index from the key alone,
+// and for the keys that it holds, key order is the order of the written indexes (the tables are
+// registered sorted). Then every row below the start has an index below the request's, which the
+// helper would pass over anyway, and the helper still stops at the first row above the index. A hint
+// can only shorten a search, never change its answer.
 //
-// A table's traits (struct T) give:
-//   name, keyName                   "ipAddrTable", "Pelt::IpAddr" (the key's name in traces)
-//   Container, collection(c)        the entity in iinfo->myvoid and its collection
-//   hinted                          whether get_first_data_point reads a hint
-//   Components, componentNames      index components for the hint: IndexComponents.h kinds
-//   keyOf(values...)                the key of the parsed components
-//   writeIndex(row, IndexWriter&)   the index varbinds of a row
-//   bufferSize                      the handler's conversion buffer
-//   isColumn(colnum)                the columns served
-//   column(colnum, row, buffer)     one column's value (ColumnValue)
-//   refusedByName(colnum)           the column's name when a SET of it is "not configured", else null
+// A table's traits are a struct of static members: the concept IteratedTableTraits below says which.
+#include <concepts>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -54,7 +56,8 @@ ColumnValue ipAddressValue(Pelt::IpAddr value, unsigned char* buffer, const char
 const Quor::Tracer& tableTracer();
 
 // Writes a row's index into the helper's varbind list, one component after the other, each traced
-// as "<table>IterationHelper - iterator has another value: <field>=<value>".
+// as "<table>IterationHelper - iterator has another value: <field>=<value>"; with a null table,
+// untraced (a hint's key written back).
 class IndexWriter {
  public:
   IndexWriter(const char* table, netsnmp_variable_list* first) : table_(table), next_(first) {}
@@ -71,6 +74,10 @@ class IndexWriter {
   netsnmp_variable_list* next_;
 };
 
+// Whether the first `components` varbinds from `written` on, as index sub-identifiers, are exactly
+// `index` of `length` sub-identifiers.
+bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, const oid* index, std::size_t length);
+
 // The parts of the handler that do not depend on the row type.
 namespace TableHandler {
 // Traces the entry of <table>_handler and its mode.
@@ -86,7 +93,35 @@ int columnOf(netsnmp_request_info* request);
 void invalidColumn(const char* table, netsnmp_request_info* request, int colnum);
 }  // namespace TableHandler
 
+// The contract of a table's traits T.
 template <class T>
+concept IteratedTableTraits = requires(const typename T::Container& container, int colnum, unsigned char* buffer,
+                                       IndexWriter& writer) {
+  // "ipAddrTable", and the key's name in traces ("Pelt::IpAddr").
+  { T::name } -> std::convertible_to<const char*>;
+  { T::keyName } -> std::convertible_to<const char*>;
+  // The ordered collection of the container that iinfo->myvoid holds, walked in key order.
+  typename std::remove_cvref_t<decltype(T::collection(container))>::IteratorConst;
+  // The index varbinds of the row of a key; for the keys the table holds, key order is index order.
+  T::writeIndex(T::collection(container).begin().key(), writer);
+  // The handler's conversion buffer, the columns served, one column's value, and the column's name
+  // when a SET of it is "not configured" (else null).
+  { T::bufferSize } -> std::convertible_to<int>;
+  { T::isColumn(colnum) } -> std::same_as<bool>;
+  { T::column(colnum, *T::collection(container).begin(), buffer) } -> std::same_as<ColumnValue>;
+  { T::refusedByName(colnum) } -> std::convertible_to<const char*>;
+  // Whether get_first_data_point reads a hint; a hinted table gives its index components (kinds of
+  // IndexComponents.h) with their names, and keyOf(values...), the key of the parsed components.
+  // Optional: lastKeyOfIndex(key), the greatest key that writes the same index as `key`, for a table
+  // whose index leaves a part of its key out.
+  { T::hinted } -> std::convertible_to<bool>;
+  requires !T::hinted || requires {
+    typename std::tuple_size<typename T::Components>::type;
+    { T::componentNames[0] } -> std::convertible_to<const char*>;
+  };
+};
+
+template <IteratedTableTraits T>
 class IteratedTable {
  public:
   using Collection = std::remove_cvref_t<decltype(T::collection(std::declval<const typename T::Container&>()))>;
@@ -95,31 +130,30 @@ class IteratedTable {
 
   static netsnmp_variable_list* getFirstDataPoint(void** loopContext, void**, netsnmp_variable_list* putIndexData,
                                                   netsnmp_iterator_info* iinfo) {
-    Iterator* loop = nullptr;
-    if constexpr (T::hinted) deliverIteratorHint(loopContext);
+    std::unique_ptr<Loop> loop;
+    IteratorHint hint;
+    if constexpr (T::hinted) hint = takeIteratorHint(*loopContext);
     if (const auto* container = static_cast<const typename T::Container*>(iinfo->myvoid)) {
       const Collection& table = T::collection(*container);
-      std::optional<Iterator> start;
+      loop = std::make_unique<Loop>(table.begin());
       if constexpr (T::hinted) {
-        const auto* hint = static_cast<const netsnmp_table_request_info*>(*loopContext);
         QTRACE(tableTracer(), 2,
-               T::name << "_get_first_data_point - *hint = " << static_cast<const void*>(hint)
-                       << ", number_indexes = " << (hint ? hint->number_indexes : 0));
-        if (hint && hint->number_indexes == std::tuple_size_v<typename T::Components>)
-          start = hintedRow(table, hint->indexes);
+               T::name << "_get_first_data_point - *hint = " << static_cast<const void*>(hint.index)
+                       << ", number_indexes = " << (hint.index ? hint.index->number_indexes : 0));
+        if (hint.index && hint.index->number_indexes == componentCount()) placeByHint(*loop, table, hint, putIndexData);
       }
-      loop = new Iterator(start ? *start : table.begin());
       QTRACE(tableTracer(), 2,
-             T::name << "_get_first_data_point - allocated new loop context " << static_cast<const void*>(loop)
-                     << ", hintMatched=" << (start ? 1 : 0));
+             T::name << "_get_first_data_point - allocated new loop context " << static_cast<const void*>(loop.get())
+                     << ", hintMatched=" << (loop->start == Start::hintedRow)
+                     << ", lowerBound=" << (loop->start == Start::lowerBound));
     }
-    *loopContext = loop;
-    return iterationHelper(loop, putIndexData);
+    *loopContext = loop.get();
+    return iterationHelper(loop.release(), putIndexData);
   }
 
   static netsnmp_variable_list* getNextDataPoint(void** loopContext, void** dataContext,
                                                  netsnmp_variable_list* putIndexData, netsnmp_iterator_info*) {
-    auto* loop = static_cast<Iterator*>(*loopContext);
+    auto* loop = static_cast<Loop*>(*loopContext);
     if (!loop || loop->atEnd()) {
       QTRACE(tableTracer(), 2,
              T::name << "_get_next_data_point - at end of loop context " << static_cast<const void*>(loop));
@@ -129,14 +163,14 @@ class IteratedTable {
            T::name << "_get_next_data_point - advancing loop context " << static_cast<const void*>(loop)
                    << " ; data context " << *dataContext);
     // Along the links while the table is unchanged, else to the next key above the pinned row's.
-    loop->advance();
-    if (*dataContext) *static_cast<Iterator*>(*dataContext) = *loop;
+    loop->row.advance();
+    if (*dataContext) *static_cast<Iterator*>(*dataContext) = loop->row;
     return iterationHelper(loop, putIndexData);
   }
 
   static void* makeDataContext(void* loopContext, netsnmp_iterator_info*) {
-    const auto* loop = static_cast<const Iterator*>(loopContext);
-    Iterator* data = loop ? new Iterator(*loop) : nullptr;
+    const auto* loop = static_cast<const Loop*>(loopContext);
+    Iterator* data = loop ? new Iterator(loop->row) : nullptr;
     QTRACE(tableTracer(), 2,
            T::name << "_make_data_context - allocated data context " << static_cast<const void*>(data)
                    << " for loop context " << loopContext);
@@ -150,7 +184,7 @@ class IteratedTable {
 
   static void freeLoopContextAtEnd(void* loopContext, netsnmp_iterator_info*) {
     QTRACE(tableTracer(), 2, T::name << "_free_loop_context_at_end " << loopContext);
-    delete static_cast<Iterator*>(loopContext);
+    delete static_cast<Loop*>(loopContext);
   }
 
   static int handler(netsnmp_mib_handler*, netsnmp_handler_registration*, netsnmp_agent_request_info* reqinfo,
@@ -183,44 +217,84 @@ class IteratedTable {
   }
 
  private:
-  static netsnmp_variable_list* iterationHelper(const Iterator* iterator, netsnmp_variable_list* putIndexData) {
-    if (!iterator || iterator->atEnd()) {
+  enum class Start { firstRow, hintedRow, lowerBound };
+
+  // The loop context: where the search stands, how it started, and for a GET placed by its index the
+  // last key whose row could answer it, after which the search ends.
+  struct Loop {
+    explicit Loop(Iterator at, Start how = Start::firstRow) : row(std::move(at)), start(how) {}
+    Iterator row;
+    Start start;
+    std::optional<Key> last;
+    bool atEnd() const { return row.atEnd() || (last && *last < row.key()); }
+  };
+
+  static netsnmp_variable_list* iterationHelper(const Loop* loop, netsnmp_variable_list* putIndexData) {
+    if (!loop || loop->atEnd()) {
       QTRACE(tableTracer(), 2, T::name << "IterationHelper - iterator is at end");
       return nullptr;
     }
     IndexWriter writer(T::name, putIndexData);
-    T::writeIndex(**iterator, writer);
+    T::writeIndex(loop->row.key(), writer);
     return putIndexData;
   }
 
-  // The row that the hint names exactly, or nothing: a row with a greater key is not a start, since
-  // the helper must then see every row from the first.
-  static std::optional<Iterator> hintedRow(const Collection& table, netsnmp_variable_list* indexes) {
-    return readComponents(table, indexes, std::make_index_sequence<std::tuple_size_v<typename T::Components>>());
+  static constexpr std::size_t componentCount() { return std::tuple_size_v<typename T::Components>; }
+
+  static Key lastKeyOfIndex(const Key& key) {
+    if constexpr (requires { T::lastKeyOfIndex(key); })
+      return T::lastKeyOfIndex(key);
+    else
+      return key;
+  }
+
+  // Whether `key`, written as the rows write their indexes, is exactly the request's index. The
+  // helper's own list of index varbinds takes it: the start row's index overwrites it afterwards.
+  static bool writesRequestIndex(const Key& key, const netsnmp_table_request_info& request,
+                                 netsnmp_variable_list* scratch) {
+    IndexWriter writer(nullptr, scratch);
+    T::writeIndex(key, writer);
+    return writtenIndexIs(scratch, componentCount(), request.index_oid, request.index_oid_len);
+  }
+
+  // Moves `loop` from the first row to where the hint lets the search start, if anywhere.
+  static void placeByHint(Loop& loop, const Collection& table, const IteratorHint& hint,
+                          netsnmp_variable_list* scratch) {
+    readComponents(loop, table, hint, scratch, std::make_index_sequence<componentCount()>());
   }
 
   template <std::size_t... I>
-  static std::optional<Iterator> readComponents(const Collection& table, netsnmp_variable_list* var,
-                                                std::index_sequence<I...>) {
+  static void readComponents(Loop& loop, const Collection& table, const IteratorHint& hint,
+                             netsnmp_variable_list* scratch, std::index_sequence<I...>) {
     std::tuple<std::optional<typename std::tuple_element_t<I, typename T::Components>::Value>...> values;
     std::size_t accepted = 0;
+    netsnmp_variable_list* var = hint.index->indexes;
     // Every component is read, also after a bad one; only the count decides.
     (readComponent<I>(var, std::get<I>(values), accepted), ...);
-    constexpr std::size_t needed = sizeof...(I);
-    if (accepted < needed) {
+    if (accepted < componentCount()) {
       QTRACE(tableTracer(), 2,
-             T::name << "_get_first_data_point - needed " << needed << " components, found only " << accepted);
-      return std::nullopt;
+             T::name << "_get_first_data_point - needed " << componentCount() << " components, found only "
+                     << accepted);
+      return;
     }
     try {
       const Key key = T::keyOf(*std::get<I>(values)...);
       Iterator row = table.startAt(key);
-      if (!row.atEnd() && row.key() == key) return row;
-      QTRACE(tableTracer(), 2, T::name << "_get_first_data_point - key '" << key << "' not found in table");
+      if (!row.atEnd() && row.key() == key) {
+        loop.row = std::move(row);
+        loop.start = Start::hintedRow;
+      } else if (writesRequestIndex(key, *hint.index, scratch)) {
+        QTRACE(tableTracer(), 2,
+               T::name << "_get_first_data_point - key '" << key << "' not in table, starting at the next key");
+        loop.row = std::move(row);
+        loop.start = Start::lowerBound;
+        if (hint.exact) loop.last = lastKeyOfIndex(key);
+      } else {
+        QTRACE(tableTracer(), 2, T::name << "_get_first_data_point - key '" << key << "' not found in table");
+      }
     } catch (const Quor::RangeException& e) {
       QTRACE(tableTracer(), 0, "Bad hint for " << T::name << ": " << T::keyName << " ctor threw exception: " << e);
     }
-    return std::nullopt;
   }
 
   template <std::size_t I, class Value>

@@ -7,15 +7,18 @@ namespace {
 constexpr const char* hintHandlerName = "ipsnmp_iterator_hint";
 
 // The hint of the request that the iterator helper is working on, until a get_first_data_point
-// takes it; null between requests.
-netsnmp_table_request_info* pendingHint = nullptr;
+// takes it; empty between requests.
+IteratorHint pendingHint;
 bool hintsEnabled = true;
 
 int hintHandler(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,
                 netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
-  netsnmp_table_request_info* hint =
-      hintsEnabled && requests && !requests->next ? netsnmp_extract_table_info(requests) : nullptr;
-  netsnmp_table_request_info* const outer = std::exchange(pendingHint, hint);
+  IteratorHint hint;
+  if (hintsEnabled && requests && !requests->next) {
+    hint.index = netsnmp_extract_table_info(requests);
+    hint.exact = reqinfo->mode == MODE_GET || reqinfo->mode == MODE_SET_RESERVE1;
+  }
+  const IteratorHint outer = std::exchange(pendingHint, hint);
   const int result = netsnmp_call_next_handler(handler, reginfo, reqinfo, requests);
   pendingHint = outer;
   return result;
@@ -31,10 +34,11 @@ bool injectIteratorHint(netsnmp_handler_registration* reg) {
   return false;
 }
 
-void deliverIteratorHint(void** loopContext) {
-  netsnmp_table_request_info* const hint = std::exchange(pendingHint, nullptr);
-  if (!hintsEnabled) *loopContext = nullptr;
-  else if (!*loopContext) *loopContext = hint;
+IteratorHint takeIteratorHint(void* helperHint) {
+  IteratorHint hint = std::exchange(pendingHint, IteratorHint{});
+  if (!hintsEnabled) return {};
+  if (helperHint) hint.index = static_cast<const netsnmp_table_request_info*>(helperHint);
+  return hint;
 }
 
 void iteratorHintsEnabledIs(bool enabled) { hintsEnabled = enabled; }

@@ -34,7 +34,9 @@ struct OskelVrfTableTraits {
 
   static const Container::VrfTable& collection(const Container& mib) { return mib.vrfTable(); }
   static Snmp::String keyOf(const Snmp::String& vrfName) { return vrfName; }
-  static void writeIndex(const Row& row, IndexWriter& index) { index.octets("vrfName", row.vrfName(), vrfNameLimit); }
+  static void writeIndex(const Snmp::String& vrfName, IndexWriter& index) {
+    index.octets("vrfName", vrfName, vrfNameLimit);
+  }
   static bool isColumn(int colnum) { return colnum >= 2 && colnum <= 4; }
   static ColumnValue column(int colnum, const Row& row, unsigned char* buffer) {
     switch (colnum) {
@@ -68,9 +70,7 @@ struct OskelVrfIfTableTraits {
 
   static const Container::VrfIfTable& collection(const Container& mib) { return mib.vrfIfTable(); }
   static U32 keyOf(int ifIndex) { return static_cast<U32>(ifIndex); }
-  static void writeIndex(const Row& row, IndexWriter& index) {
-    index.integer("ifIndex", static_cast<int>(row.ifIndex()));
-  }
+  static void writeIndex(U32 ifIndex, IndexWriter& index) { index.integer("ifIndex", static_cast<int>(ifIndex)); }
   static bool isColumn(int colnum) { return colnum == 1; }
   static ColumnValue column(int, const Row& row, unsigned char* buffer) {
     return {ASN_OCTET_STR,

@@ -68,7 +68,8 @@ AgentStartup::AgentStartup(const Quor::Ptr<Quor::Dir>& rootDir, const Morvane::S
                           .routeStatus = routeStatus,
                           .forwardingStatus = forwardingStatus,
                           .clock = Quor::activityManager()->clock()});
-  root->vrfIfTableSmIs({.ipVrfMib = ipVrfMib, .intfStatusDir = store.intfStatusDir, .config = store.ipConfig});
+  auto vrfInterfaces =
+      root->vrfIfTableSmIs({.ipVrfMib = ipVrfMib, .intfStatusDir = store.intfStatusDir, .config = store.ipConfig});
   root->vrfRootSmIs({.ipAddressTableSm = addresses,
                      .intfStatusDir = store.intfStatusDir,
                      .routingVrfConfigDir = store.routingVrfConfigDir,
@@ -83,6 +84,7 @@ AgentStartup::AgentStartup(const Quor::Ptr<Quor::Dir>& rootDir, const Morvane::S
                      .arpTarn = arpTarn,
                      .arpTarnVrfIdMap = vrfIdMap,
                      .defaultVrfArpTableSm = defaultArp,
+                     .vrfIfTableSm = vrfInterfaces,
                      .snmpContexts = contexts});
 }
 

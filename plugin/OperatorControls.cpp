@@ -23,8 +23,9 @@ const char* const flitlogFileToken = "ipsnmpFlitlogFile";
 const char* const modeToken = "ipsnmpMode";
 // A line of the master's snmpd.conf (VrfCommunities).
 const char* const vrfCommunityToken = "ipsnmpVrfCommunity";
-// Refused scenarios and applied ones belong in the agent's log in any case.
-const char* const alwaysOn = "Scenario:0-1";
+// Refused scenarios and applied ones, and VRFs that cannot come up, belong in the agent's log in
+// any case.
+const char* const alwaysOn = "Scenario:0-1,IpSnmp:0";
 
 // What is on whatever the configuration says: the above, and IPSNMP_TRACE of the environment.
 void baselineTraces() {

@@ -5,10 +5,12 @@
 // its high bit is set), then varbinds of a type byte, a length byte and that many value bytes. A type
 // byte below 0x80 picks one of the types that index components have, any other is taken as it is.
 // The values are stored as the agent library stores received ones, and an integer is read from the
-// first bytes of the value.
+// first bytes of the value. The request's index sub-identifiers are those that the varbinds build, as
+// the helper builds a row's, so that a key absent from the table can write back exactly that index.
 //
 // Property: a hint can only shorten a search, never change its answer, so the rows walked from the
-// hinted start are the last rows of the walk from the first row. The statistics table reads no hint;
+// hinted start (a row it names, the first row not below its key, or the first row) are the last rows
+// of the walk from the first row. The statistics table reads no hint;
 // whatever the helper left in its loop context must not change its walk either.
 #include <string>
 #include <vector>
@@ -152,6 +154,9 @@ int tableHint(const std::uint8_t* data, std::size_t size) {
   netsnmp_table_request_info hint{};
   hint.indexes = components.list;
   hint.number_indexes = claimed & 0x80 ? claimed & 0x7f : static_cast<unsigned int>(components.count());
+  if (build_oid_noalloc(hint.index_oid, MAX_OID_LEN, &hint.index_oid_len, nullptr, 0, components.list) !=
+      SNMPERR_SUCCESS)
+    hint.index_oid_len = 0;
   const std::vector<std::string> fromFirst = walk(table, nullptr);
   const std::vector<std::string> hinted = walk(table, &hint);
   require(hinted.size() <= fromFirst.size() &&

@@ -1,7 +1,8 @@
 // A VRF in the real snmpd, driven by the scenario and the shared-memory tables: its context exists
 // only after the agent is initialized, then answers every table with the VRF's own rows; state 3
-// changes nothing, state 2 takes the context away, and the VRF comes back; its neighbours show once
-// its VRF id arrives, and those of an unknown id nowhere.
+// changes nothing, state 2 takes the context away, and the VRF comes back whole, as it does when the
+// agent's initialization goes and returns; its neighbours show once its VRF id arrives, and those of
+// an unknown id nowhere; a VRF that cannot come up leaves the others be.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -108,6 +109,56 @@ TEST_F(VrfLifecycleTest, NeighboursOfAVrfShowOnceItsIdArrives) {
   EXPECT_TRUE(eventually([&] { return contains(rows(redContext, ipNetToMediaTable), "1.10.0.1.3"); }, 5));
   EXPECT_FALSE(contains(rows(redContext, ipNetToMediaTable), "1.10.0.1.8")) << "VRF id 8 names nothing";
   EXPECT_FALSE(contains(rows(defaultContext, ipNetToMediaTable), "1.10.0.1.8"));
+}
+
+// Red with an interface whose address only its status gives (Ethernet3, 10.0.3.1), beside the
+// scenario's own; `redState` "" leaves red out.
+std::string redWithStatusOnlyAddress(const std::string& redState, bool initialized = true) {
+  std::string text = redScenario(redState, initialized);
+  const std::string interfaces = "interfaces:\n";
+  text.insert(text.find(interfaces) + interfaces.size(),
+              "  Ethernet3:\n    ifIndex: 3\n    config: { vrf: red }\n    status: { vrf: red, ipv4: 10.0.3.1/24 }\n");
+  return text;
+}
+
+TEST_F(VrfLifecycleTest, AVrfComesWholeAndBackWholeAfterItsDeletionAndAfterTheAgentsInitializationGoesAndReturns) {
+  ASSERT_EQ(tables.writeRed(true), "");
+  start(redWithStatusOnlyAddress(""));
+  agent->scenarioIs(redWithStatusOnlyAddress("active"));
+  const auto whole = [&] {
+    return redAnswers() && redHasRow() &&
+           rows(redContext, ipAddrTable) == std::vector<std::string>{redAddress, "10.0.3.1"} &&
+           rows(redContext, ipNetToMediaTable) == std::vector<std::string>{redNeighbour} &&
+           rows(redContext, ipCidrRouteTable) == std::vector<std::string>{redRoute} &&
+           rows(defaultContext, oskelVrfIfTable) == std::vector<std::string>{"1", "3"};
+  };
+  ASSERT_TRUE(eventually(whole, 1)) << "created after the start: every row within 1 s";
+
+  agent->scenarioIs(redWithStatusOnlyAddress("deleting"));
+  ASSERT_TRUE(eventually([&] { return !redAnswers(); }, 5));
+  EXPECT_TRUE(rows(defaultContext, oskelVrfIfTable).empty());
+  agent->scenarioIs(redWithStatusOnlyAddress("active"));
+  EXPECT_TRUE(eventually(whole, 1)) << "re-created: neighbours, status-only address, interfaces and row within 1 s";
+
+  agent->scenarioIs(redWithStatusOnlyAddress("active", false));
+  EXPECT_TRUE(eventually([&] { return !redAnswers(); }, 5)) << "no VRF context while the agent is not initialized";
+  agent->scenarioIs(redWithStatusOnlyAddress("active", true));
+  EXPECT_TRUE(eventually(whole, 1)) << "initialized again: red comes back whole";
+  EXPECT_TRUE(agent->running());
+}
+
+TEST_F(VrfLifecycleTest, AVrfThatCannotComeUpIsSkippedAndTheOthersServe) {
+  ASSERT_EQ(tables.writeRed(true), "");
+  std::string scenario = redScenario("active");
+  const std::string vrfs = "vrfs:\n";
+  // ".." makes no path for its tables: its bring-up fails where its tables are mounted.
+  scenario.insert(scenario.find(vrfs) + vrfs.size(),
+                  "  \"..\":\n    routing: { ipv4: true }\n    published: true\n    status: { state: active }\n");
+  start(scenario);
+  ASSERT_TRUE(eventually([&] { return redAnswers(); }, 10)) << agent->diagnostics();
+  EXPECT_EQ(rows(redContext, ipAddrTable), std::vector<std::string>{redAddress});
+  EXPECT_TRUE(agent->tools().getOne(defaultContext, ipForwarding).has_value());
+  EXPECT_NE(agent->log().find("VRF .. not brought up"), std::string::npos) << agent->log();
 }
 
 }  // namespace

@@ -38,11 +38,11 @@ void VrfLifecycle::start() {
   addresses = root->ipAddressTableSmIs(
       {store.intfStatusDir, ipMib, store.ipConfig, store.ipStatus, store.ip6Config, store.ip6Status});
   auto defaultArp = root->arpTableSmIs({store.intfStatusDir, ipMib, arpTarn, Vrf::VrfIdMap::defaultVrfId});
-  root->vrfIfTableSmIs({ipVrfMib, store.intfStatusDir, store.ipConfig});
+  auto vrfInterfaces = root->vrfIfTableSmIs({ipVrfMib, store.intfStatusDir, store.ipConfig});
   vrfRoots = root->vrfRootDirIs(Quor::Name("vrfroots"));
   root->vrfRootSmIs({addresses, store.intfStatusDir, store.routingVrfConfigDir, store.routingVrfInfoDir, vrfMibsDir,
                      vrfRoots, store.allVrfStatusLocal, store.allVrfConfig, store.snmpStatus, ipVrfMib,
-                     store.entityManager, arpTarn, vrfIds, defaultArp, &contexts});
+                     store.entityManager, arpTarn, vrfIds, defaultArp, vrfInterfaces, &contexts});
 }
 
 void VrfLifecycle::routingConfigIs(const std::string& vrf) {

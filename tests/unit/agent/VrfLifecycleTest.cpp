@@ -24,8 +24,7 @@ TEST_F(VrfLifecycle, NothingComesUpBeforeTheAgentIsInitialized) {
 
   initialized();
   ASSERT_NE(vrfRoot("red"), nullptr);
-  EXPECT_EQ(contexts.calls, Strings{"open red: " + everything}) << "the context opens last";
-  EXPECT_TRUE(hasRow("red")) << "the initialization pass adds the row after the VRFs came up";
+  EXPECT_EQ(contexts.calls, Strings{"open red: " + everything + " row"}) << "the context opens last";
   EXPECT_EQ(vrfRoot("red")->ipMib(), ipMibOf("red"));
   EXPECT_EQ(vrfRoot("red")->arpTableSm()->arpTarnVrfId(), Vrf::VrfIdMap::unknownVrfId);
 }
@@ -36,8 +35,8 @@ TEST_F(VrfLifecycle, AnAgentInitializedAlreadyBringsTheVrfsUpAtConstruction) {
   vrf("blue", Ip::vrfStateInitializing);
   start();
   std::sort(contexts.calls.begin(), contexts.calls.end());
-  EXPECT_EQ(contexts.calls, (Strings{"open blue: " + everything + " row", "open red: " + everything}))
-      << "state 0 adds the row before the VRF comes up, state 1 does not";
+  EXPECT_EQ(contexts.calls, (Strings{"open blue: " + everything + " row", "open red: " + everything + " row"}))
+      << "states 0 and 1 add the row before the VRF comes up";
 }
 
 TEST_F(VrfLifecycle, OnlyAPublishedVrfComesUpAndItNeedsNoStatus) {
@@ -54,6 +53,17 @@ TEST_F(VrfLifecycle, OnlyAPublishedVrfComesUpAndItNeedsNoStatus) {
 
   published("red");
   EXPECT_NE(vrfRoot("red"), nullptr) << "publishing brings it up";
+}
+
+TEST_F(VrfLifecycle, TheRowComesWithTheLastOfItsThreeSourcesWhateverItIs) {
+  initialized();
+  start();
+  statusIs("red", Ip::vrfStateActive);
+  published("red");
+  routingConfigIs("red");
+  EXPECT_FALSE(hasRow("red"));
+  ipConfigIs("red");
+  EXPECT_TRUE(hasRow("red")) << "the IP configuration came last";
 }
 
 TEST_F(VrfLifecycle, LeavingThePublishedDirectoryTearsNothingDown) {
@@ -76,7 +86,7 @@ TEST_F(VrfLifecycle, TheContextClosesBeforeTablesContainersAndMachinesGo) {
   ASSERT_EQ(contexts.calls.size(), 1u);
 
   status->stateIs(Ip::vrfStateDeleting);
-  EXPECT_EQ(contexts.calls.back(), "close red: " + everything + " interfaces") << "the row goes before the context";
+  EXPECT_EQ(contexts.calls.back(), "close red: " + everything + " interfaces") << "the vrfTable row goes before the context";
   EXPECT_EQ(partsOf(Quor::Name("red")), "") << "and everything else after it";
   EXPECT_EQ(ipVrfMib->vrfIfTable().members(), 1u) << "rows of other VRFs' interfaces stay";
   EXPECT_NE(ipVrfMib->vrfIfTable(6), nullptr);
@@ -89,7 +99,7 @@ TEST_F(VrfLifecycle, StateTwoThenRemovalTearsDownOnce) {
   TraceLines trace;
   status->stateIs(Ip::vrfStateDeleting);
   store.allVrfStatusLocal->vrfDel(L3::VrfName("red"));
-  EXPECT_EQ(contexts.calls, (Strings{"open red: " + everything, "close red: " + everything}));
+  EXPECT_EQ(contexts.calls, (Strings{"open red: " + everything + " row", "close red: " + everything}));
   EXPECT_EQ(trace.count("IpSnmp/8 void IpSnmp::VrfRootSm::QuorVrfStatusLocal::handleDel() for vrf red"), 2)
       << "the second run finds nothing to do";
   EXPECT_EQ(sm().vrfStatusLocal(L3::VrfName("red")), nullptr);

@@ -77,15 +77,6 @@ TEST_F(AddressTablesTest, PrefixPointerLeadsToThePrefixRow) {
   EXPECT_EQ(origin.integer, 1);
 }
 
-TEST_F(AddressTablesTest, UnknownAddressTypeOrLengthFindsNoRow) {
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.34.1.3.3.4.10.0.2.1").type, SNMP_NOSUCHINSTANCE);
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.34.1.3.1.5.10.0.2.1.0").type, SNMP_NOSUCHINSTANCE);
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.34.1.3.1.3.10.0.2").type, SNMP_NOSUCHINSTANCE);
-  // A GETNEXT from a wrong-length index still lands on the next row.
-  TableTest::Response next = agent.getNext({oidOf("1.3.6.1.2.1.4.34.1.3.1.3.10.0.2")});
-  EXPECT_EQ(TableTest::textOf(next.varbinds.at(0).name), "1.3.6.1.2.1.4.34.1.3.1.4.10.0.1.1");
-}
-
 TEST_F(AddressTablesTest, SetOfAWritableAddressColumnIsNotConfigured) {
   TableTest::Response response;
   const std::string traces = tracesOf([&] { response = agent.setInteger(oidOf("1.3.6.1.2.1.4.34.1.10.1.4.10.0.2.1"), 6); });

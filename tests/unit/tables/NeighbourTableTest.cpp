@@ -1,17 +1,12 @@
 // ipNetToMediaTable through the agent's helpers: rows in the order of interface index and address,
 // the MAC address and entry type read from the shared-memory ARP table at each GET (and only for
-// those columns), a neighbour that has just left it, the hint of its two-part index, and SET refused
-// naming the column.
+// those columns), a neighbour that has just left it, and SET refused naming the column.
 #include <gtest/gtest.h>
-
-#include <cstring>
-#include <sstream>
 
 #include "AgentRequests.h"
 #include "MibTree.h"
 #include "Traces.h"
 #include "frontend/IpBase.h"
-#include "frontend/IpBaseTables.h"
 #include "platform/morvane/Store.h"
 #include "platform/snmp/ContextTeardown.h"
 #include "platform/tarn/ArpStatus.h"
@@ -120,19 +115,6 @@ TEST_F(NeighbourTableTest, IndexColumnsDoNotReadTheSharedTable) {
   EXPECT_TRUE(contains(mac, "TarnBaseDummy::lookup()")) << mac;
 }
 
-TEST_F(NeighbourTableTest, MalformedOrAbsentIndexFindsNoRowAndNextFindsTheRightOne) {
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.22.1.1.1.10.0.0.8").type, SNMP_NOSUCHINSTANCE);
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.22.1.1.1.10.0.0").type, SNMP_NOSUCHINSTANCE);
-  EXPECT_EQ(getOne("1.3.6.1.2.1.4.22.1.1.3.10.0.0.9").type, SNMP_NOSUCHINSTANCE);
-  const auto nextOf = [&](const char* name) {
-    return TableTest::textOf(agent.getNext({oidOf(name)}).varbinds.at(0).name);
-  };
-  EXPECT_EQ(nextOf("1.3.6.1.2.1.4.22.1.1.1.10.0.0.9"), "1.3.6.1.2.1.4.22.1.1.1.10.0.0.10");
-  EXPECT_EQ(nextOf("1.3.6.1.2.1.4.22.1.1.1.10.0.0.9.1"), "1.3.6.1.2.1.4.22.1.1.1.10.0.0.10");
-  EXPECT_EQ(nextOf("1.3.6.1.2.1.4.22.1.1.1.10.0"), "1.3.6.1.2.1.4.22.1.1.1.10.0.0.9");
-  EXPECT_EQ(nextOf("1.3.6.1.2.1.4.22.1.1.2.10.0.0.5"), "1.3.6.1.2.1.4.22.1.2.1.10.0.0.9");
-}
-
 TEST_F(NeighbourTableTest, SetOfTheTypeIsNotConfiguredAndDeletesNothing) {
   TableTest::Response response;
   const std::string traces =
@@ -143,88 +125,6 @@ TEST_F(NeighbourTableTest, SetOfTheTypeIsNotConfiguredAndDeletesNothing) {
   EXPECT_EQ(agent.walk(oidOf("1.3.6.1.2.1.4.22.1.4")).size(), 3u);
   EXPECT_TRUE(contains(tracesOf([&] { agent.setInteger(oidOf("1.3.6.1.2.1.4.22.1.1.1.10.0.0.9"), 7); }),
                        "SET is not configured for column ipNetToMediaIfIndex"));
-}
-
-// The hint as the table-iterator helper passes it to get_first_data_point, made by hand so that its
-// components can have types that the helper's own parsing never produces.
-class NeighbourHintTest : public NeighbourTableTest {
- protected:
-  void TearDown() override {
-    ipNetToMediaTable_free_loop_context_at_end(loop, &iinfo);
-    snmp_free_varbind(components);
-    snmp_free_varbind(index);
-    NeighbourTableTest::TearDown();
-  }
-  void integer(long value) { snmp_varlist_add_variable(&components, nullptr, 0, ASN_INTEGER, &value, sizeof value); }
-  void address(const char* text, u_char type = ASN_IPADDRESS) {
-    U8 octets[4];
-    Pelt::IpAddr(text).copyToBuffer(octets);
-    snmp_varlist_add_variable(&components, nullptr, 0, type, octets, sizeof octets);
-  }
-  // The first row that get_first_data_point gives, as "ifIndex/address", and its traces.
-  std::string first(std::string* traces) {
-    netsnmp_table_request_info hint{};
-    hint.indexes = components;
-    hint.number_indexes = 2;
-    snmp_varlist_add_variable(&index, nullptr, 0, ASN_INTEGER, nullptr, 0);
-    snmp_varlist_add_variable(&index, nullptr, 0, ASN_IPADDRESS, nullptr, 0);
-    iinfo.myvoid = tree.ipMib.ptr();
-    loop = &hint;
-    netsnmp_variable_list* found = nullptr;
-    *traces = tracesOf([&] { found = ipNetToMediaTable_get_first_data_point(&loop, &data, index, &iinfo); });
-    if (!found) return "none";
-    U8 octets[4];
-    std::memcpy(octets, found->next_variable->val.string, 4);
-    std::ostringstream row;
-    row << *found->val.integer << "/" << int(octets[0]) << "." << int(octets[1]) << "." << int(octets[2]) << "."
-        << int(octets[3]);
-    return row.str();
-  }
-
-  netsnmp_variable_list* components = nullptr;
-  netsnmp_variable_list* index = nullptr;
-  netsnmp_iterator_info iinfo{};
-  void* loop = nullptr;
-  void* data = nullptr;
-};
-
-TEST_F(NeighbourHintTest, HintOfARowStartsThere) {
-  integer(1);
-  address("10.0.0.10");
-  std::string traces;
-  EXPECT_EQ(first(&traces), "1/10.0.0.10");
-  EXPECT_TRUE(contains(traces, "hint component ipNetToMediaNetAddress is '10.0.0.10'")) << traces;
-  EXPECT_TRUE(contains(traces, "hintMatched=1")) << traces;
-}
-
-TEST_F(NeighbourHintTest, AddressSentAsOctetStringIsDroppedAndTheWalkStartsAtTheFirstRow) {
-  integer(2);
-  address("10.0.0.5", ASN_OCTET_STR);
-  std::string traces;
-  EXPECT_EQ(first(&traces), "1/10.0.0.9");
-  EXPECT_TRUE(contains(traces, "hint for ipNetToMediaNetAddress has incorrect type! Expecting 64 but got 4"))
-      << traces;
-  EXPECT_TRUE(contains(traces, "ipNetToMediaTable_get_first_data_point - needed 2 components, found only 1"))
-      << traces;
-}
-
-TEST_F(NeighbourHintTest, InterfaceOfTheWrongTypeStillLetsTheAddressBeRead) {
-  address("10.0.0.5");
-  address("10.0.0.5");
-  std::string traces;
-  EXPECT_EQ(first(&traces), "1/10.0.0.9");
-  EXPECT_TRUE(contains(traces, "hint for ipNetToMediaIfIndex has incorrect type! Expecting 2 but got 64")) << traces;
-  EXPECT_TRUE(contains(traces, "hint component ipNetToMediaNetAddress is '10.0.0.5'")) << traces;
-  EXPECT_TRUE(contains(traces, "found only 1")) << traces;
-}
-
-TEST_F(NeighbourHintTest, KeyWithoutARowStartsAtTheFirstRow) {
-  integer(1);
-  address("10.0.0.5");
-  std::string traces;
-  EXPECT_EQ(first(&traces), "1/10.0.0.9");
-  EXPECT_TRUE(contains(traces, "ipNetToMediaTable_get_first_data_point - key '")) << traces;
-  EXPECT_TRUE(contains(traces, "hintMatched=0")) << traces;
 }
 
 }  // namespace
