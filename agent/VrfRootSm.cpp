@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "agent/AgentTrace.h"
+#include "agent/VrfRemains.h"
 #include "platform/tarn/Mount.h"
 
 namespace IpSnmp {
@@ -173,6 +174,7 @@ void VrfRootSm::doVrfDown(const Quor::Name& name) {
   ipAddressTableSm_->vrfIpMibDel(name);
   vrfMibsDir_->mibsDel(name);
   vrfRootDel(name);
+  if (VrfRoot* root = vrfRootDir_->vrfRoot(name)) reapVrfRemains(*root);
   vrfRootDir_->vrfRootDel(name);
 }
 

@@ -1,12 +1,19 @@
 #include "platform/quor/Clock.h"
 
+#include <cxxabi.h>
 #include <poll.h>
+#include <time.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
+#include <memory>
+#include <typeinfo>
 #include <utility>
 #include <vector>
+
+#include "platform/quor/Trace.h"
 
 namespace Quor {
 
@@ -31,6 +38,43 @@ class TurnScope {
 
  private:
   double outer_;
+};
+
+const Tracer& loopTracer() {
+  static const Tracer tracer("Loop", "Loop");
+  return tracer;
+}
+
+std::string demangled(const std::type_info& type) {
+  int status = 0;
+  std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
+  return status == 0 && name ? name.get() : type.name();
+}
+
+double threadCpu() {
+  timespec t{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+// Times one piece of work on the loop's thread and reports it when it held the loop longer than a
+// turn should: level 1 beyond Clock::longTurn, level 2 beyond a quarter of it; with the thread's CPU
+// time, which tells work from time the thread waited for a processor.
+class HoldTimer {
+ public:
+  HoldTimer() : wall_(now()), cpu_(loopTracer().handle.enabled(1) || loopTracer().handle.enabled(2) ? threadCpu() : 0) {}
+  template <class What>
+  void report(What what) const {
+    const double seconds = now() - wall_;
+    const int level = seconds > Clock::longTurn ? 1 : seconds > Clock::longTurn / 4 ? 2 : 0;
+    if (level)
+      QTRACE(loopTracer(), level,
+             "held the loop " << seconds * 1e3 << " ms (" << (threadCpu() - cpu_) * 1e3 << " ms CPU): " << what());
+  }
+
+ private:
+  double wall_;
+  double cpu_;
 };
 
 }  // namespace
@@ -92,11 +136,13 @@ void Clock::runDue() {
     unschedule(due);
     due->timeMin_ = never;
     if (!n->listensTo(this)) continue;
+    const HoldTimer timer;
     try {
       n->onTime();
     } catch (const std::exception&) {
       n->onNotificationException(firstAttributeId);
     }
+    timer.report([&] { return demangled(typeid(*n)); });
   }
   activityManager()->deadlineChanged();
 }
@@ -116,7 +162,9 @@ void ActivityManager::runFd(int fd) {
   auto it = fds_.find(fd);
   if (it == fds_.end()) return;
   std::function<void()> handler = it->second;  // the handler may remove itself
+  const HoldTimer timer;
   handler();
+  timer.report([&] { return "descriptor " + std::to_string(fd); });
 }
 
 void ActivityManager::hostIs(Host* host) {

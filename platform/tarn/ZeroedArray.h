@@ -2,12 +2,16 @@
 // A fixed-size array of trivial values that starts as all zero bytes without writing them: a large
 // one is an anonymous mapping of its own, whose pages the kernel provides on first touch, so memory
 // is spent only on the parts that are ever written. For per-slot state of tables of millions of slots.
+// A large one goes back to the kernel through the reaper (Quor::reapMapping), a few megabytes per
+// slice, so that dropping the state of a table of millions of slots never holds up the event loop.
 #include <sys/mman.h>
 
 #include <cstdlib>
 #include <new>
 #include <type_traits>
 #include <utility>
+
+#include "platform/quor/Reaper.h"
 
 namespace Tarn {
 
@@ -35,7 +39,7 @@ class ZeroedArray {
   ~ZeroedArray() {
     if (!data_) return;
     if (bytes() >= mappedFrom)
-      ::munmap(data_, bytes());
+      Quor::reapMapping(data_, bytes());
     else
       std::free(data_);
   }

@@ -1,10 +1,14 @@
 // The clock that drives time-sliced work: a request of 0.0 fires at the next run, once.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include <sys/mman.h>
+
 #include "platform/quor/Clock.h"
+#include "platform/quor/Reaper.h"
 #include "platform/quor/SlicedPass.h"
 
 namespace {
@@ -127,6 +131,35 @@ TEST_F(ClockTest, ASlicedPassEndsEachSliceAtItsQuantumAndFinishRunsTheRest) {
   clock->runDue();
   EXPECT_EQ(left, 0);
   pass->stop();
+}
+
+// The reaper frees what it is handed in slices of the clock, in the order handed over, each step
+// holding what it frees until it says it is done; a large mapping goes back a piece at a time.
+TEST_F(ClockTest, TheReaperFreesInSlicesInTheOrderHandedOver) {
+  std::string freed;
+  auto owner = [&](char name, int steps) {
+    return [&freed, name, steps, held = std::make_shared<int>(0)]() mutable {
+      fakeTime += 0.001;
+      freed += name;
+      return ++*held < steps;
+    };
+  };
+  Quor::reap(owner('A', 3));
+  Quor::reap(owner('B', 20));
+  clock->runDue();
+  EXPECT_EQ(freed.substr(0, 3), "AAA");
+  EXPECT_LT(freed.size(), 10u) << "one slice of the default quantum";
+  EXPECT_EQ(Quor::reapsPending(), 1u);
+
+  const std::size_t bytes = std::size_t(64) << 20;
+  void* mapping = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(mapping, MAP_FAILED);
+  Quor::reapMapping(mapping, bytes);
+  Quor::reapAll();
+  EXPECT_EQ(freed, "AAA" + std::string(20, 'B'));
+  EXPECT_EQ(Quor::reapsPending(), 0u);
+  unsigned char resident = 0;
+  EXPECT_NE(::mincore(static_cast<char*>(mapping) + bytes - 4096, 4096, &resident), 0) << "unmapped to its end";
 }
 
 }  // namespace
