@@ -1,5 +1,6 @@
 #include "agent/VrfRootSm.h"
 
+#include <utility>
 #include <vector>
 
 #include "agent/AgentTrace.h"
@@ -56,6 +57,7 @@ VrfRootSm::~VrfRootSm() {
   if (snmpAgentStatus_) snmpAgentStatus_->vrfRootSmIs(nullptr);
   for (auto it = vrfStatusLocal_.begin(); it; ++it) it->vrfRootSmIs(nullptr);
   arpTarnVrfIdReverseMapper_ = nullptr;
+  if (arpWalk_) arpWalk_->stop();
 }
 
 void VrfRootSm::quorZombieNested(bool flag) {
@@ -210,18 +212,6 @@ Arp::Table::ArpEntry VrfRootSm::arpEntryOf(const Arp::Table::ArpKey& key) const 
   }
 }
 
-template <class Visit>
-void VrfRootSm::walkArpTarn(Visit visit) const {
-  if (!arpTarn_ || !arpTarn_->notifier()) return;
-  const auto& table = arpTarn_->notifier()->arpEntry();
-  try {
-    Tarn::TarnMapIterator it;
-    for (auto entry = table.first(it); entry.found(); entry = table.next(entry.key(), it)) visit(entry.value());
-  } catch (const Tarn::CorruptionDetectedException& e) {
-    table.corruptionDetected(e.text());
-  }
-}
-
 void VrfRootSm::handleArpEntry(const Arp::Table::ArpKey& key) {
   IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleArpEntry(const Arp::Table::ArpKey&)");
   QTRACE(agentTracer(), 8, "handleArpEntry" << " " << key);
@@ -299,20 +289,54 @@ void VrfRootSm::handleIntfStatus(Pelt::IntfId intfId) {
     QTRACE(agentTracer(), 8, "no ifIndex (yet?)");
     return;
   }
-  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
-    if (!(entry.intfId == intfId)) return;
-    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
-  });
+  arpWalkNext_.intfs.insert(intfId);
+  doArpWalk();
 }
 
 void VrfRootSm::handleIntfStatus() {
   IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleIntfStatus()");
   if (!intfStatusDir_ || !intfStatusDir_->notifier()) return;
-  const auto& dir = intfStatusDir_->notifier();
-  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
-    if (!dir->intfStatus(entry.intfId)) return;
-    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
-  });
+  arpWalkNext_.all = true;
+  doArpWalk();
+}
+
+void VrfRootSm::doArpWalk() {
+  if (!arpTarn_ || !arpTarn_->notifier()) return;
+  if (!arpWalk_) arpWalk_ = Quor::slicedPass([this] { return doArpWalkStep(); });
+  arpWalk_->onTime();
+}
+
+bool VrfRootSm::doArpWalkStep() {
+  if (!arpWalking_) {
+    if (arpWalkNext_.empty()) return false;
+    arpWalking_ = std::exchange(arpWalkNext_, {});
+    arpWalkAt_ = {};
+    arpWalkedThrough_.reset();
+  }
+  const auto& table = arpTarn_->notifier()->arpEntry();
+  Arp::Table::Status::ArpEntryMap::Wrapper entry;
+  try {
+    entry = arpWalkedThrough_ ? table.next(*arpWalkedThrough_, arpWalkAt_) : table.first(arpWalkAt_);
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    table.corruptionDetected(e.text());
+  }
+  if (!entry) {
+    arpWalking_.reset();
+    return !arpWalkNext_.empty();
+  }
+  arpWalkedThrough_ = entry.key();
+  const Arp::Table::ArpEntry& value = entry.value();
+  const Quor::Ptr<const Interface::AllIntfStatusDir>& dir = intfStatusDir_->notifier();
+  const bool covered = arpWalking_->all ? dir && dir->intfStatus(value.intfId) : arpWalking_->intfs.count(value.intfId) > 0;
+  if (!covered) return true;
+  if (auto sm = arpTableSmOf(entry.key(), nullptr)) {
+    try {
+      sm->addArpEntry(value);
+    } catch (const Quor::NameInUseException& e) {
+      QTRACE(agentTracer(), 8, "Arp entry " << value << " not added: " << e.what());
+    }
+  }
+  return true;
 }
 
 Quor::ValidPtr<VrfRootSm::QuorVrfStatusLocal> VrfRootSm::vrfStatusLocalIs(

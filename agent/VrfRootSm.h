@@ -23,7 +23,15 @@
 // - the default VRF is not special-cased here: its machines are Root's, and the inputs must not list it;
 // - vrfTable rows are never refreshed: a row stays with the objects it was made from;
 // - ARP entries of an unknown VRF id, or of a VRF that is not up, are dropped and not remembered;
-//   the id's arrival (populate) or an interface change brings them in later.
+//   the id's arrival (populate) or an interface change brings them in later;
+// - an interface change, and the pass at initialization, walk the whole ARP table (it has no index
+//   by interface) in slices from the clock, the first at once: interfaces that change while a walk is
+//   under way wait for the next walk, which covers them all; an entry is taken as the walk finds it,
+//   with the interface's status of that moment, and one that would take another entry's row is traced
+//   and skipped, not a failure that ends the walk.
+#include <optional>
+#include <set>
+
 #include "agent/IpAddressTableSm.h"
 #include "agent/SnmpContexts.h"
 #include "agent/VrfIfTableSm.h"
@@ -33,6 +41,7 @@
 #include "platform/morvane/EntityManager.h"
 #include "platform/morvane/RoutingConfig.h"
 #include "platform/morvane/SnmpStatus.h"
+#include "platform/quor/SlicedPass.h"
 #include "platform/tarn/ReverseMapper.h"
 
 namespace IpSnmp {
@@ -97,8 +106,11 @@ class VrfRootSm : public Quor::Reactor {
   // ARP routing by VRF.
   void handleArpEntry(const Arp::Table::ArpKey& key);
   void handleArpTarnVrfName(const Quor::String8& name);
+  // The entries of one interface, and of every interface with status: walks of the ARP table.
   void handleIntfStatus(Pelt::IntfId intfId);
   void handleIntfStatus();
+  // Whether a walk of the ARP table is under way or waiting.
+  bool arpWalking() const noexcept { return arpWalk_ && arpWalk_->pending(); }
 
   // One status reactor per member of allVrfStatusLocal.
   Quor::ValidPtr<QuorVrfStatusLocal> vrfStatusLocalIs(const Quor::Ptr<const Ip::VrfStatusLocal>& status);
@@ -130,9 +142,16 @@ class VrfRootSm : public Quor::Reactor {
   // what a failed bring-up made.
   void doVrfDown(const Quor::Name& name);
   Arp::Table::ArpEntry arpEntryOf(const Arp::Table::ArpKey& key) const;
-  // Calls `add` for every entry of the ARP table, stopping at the first damaged read.
-  template <class Visit>
-  void walkArpTarn(Visit visit) const;
+  // What the next walk of the ARP table covers: every interface with status, or these interfaces.
+  struct ArpWalkCover {
+    bool all = false;
+    std::set<Pelt::IntfId> intfs;
+    bool empty() const noexcept { return !all && intfs.empty(); }
+  };
+  // Runs a slice of the walks now, and the rest from the clock.
+  void doArpWalk();
+  // Hands the entry after the walk's position to its machine; false when no walk is left.
+  bool doArpWalkStep();
 
   // Until the constructor has bound every input, binding runs no pass over it. First of the members,
   // so that it is set before the reactors are made.
@@ -157,6 +176,12 @@ class VrfRootSm : public Quor::Reactor {
   Quor::Ptr<Vrf::VrfIdMap::ReverseMapper> arpTarnVrfIdReverseMapper_;
   Quor::HashMap<QuorVrfStatusLocal, L3::VrfName> vrfStatusLocal_;
   bool initialized_ = false;
+  // The ARP walk under way (`arpWalking_`, at `arpWalkAt_` after `arpWalkedThrough_`) and the next.
+  std::optional<ArpWalkCover> arpWalking_;
+  ArpWalkCover arpWalkNext_;
+  Tarn::TarnMapIterator arpWalkAt_;
+  std::optional<Arp::Table::ArpKey> arpWalkedThrough_;
+  Quor::Ptr<Quor::SlicedPass> arpWalk_;
   Quor::Ptr<QuorSnmpAgentStatus> snmpAgentStatus_;
   SnmpContexts* const snmpContexts_;
 };

@@ -115,6 +115,34 @@ TEST_F(ArpRouting, AnEntryRefusedForANegativeIndexComesInWithTheInterfacesIndex)
   EXPECT_EQ(arpRows(*ipMib), Strings{"4 10.0.0.4"});
 }
 
+double slowTime = 0;
+// Every reading of the clock is a tenth of a millisecond later: a slice of 5 ms takes about 50 entries.
+double slowNow() { return slowTime += 0.0001; }
+
+TEST_F(ArpRouting, AnInterfaceChangeWalksTheTableInSlicesAndOneChangedMeanwhileWaitsForTheNextWalk) {
+  start();
+  for (int i = 0; i < 300; ++i) {
+    const std::string addr = "10.0." + std::to_string(i / 100) + "." + std::to_string(i % 100 + 1);
+    neighbourIs(0, "Ethernet2", addr.c_str());
+    neighbourIs(0, "Ethernet3", addr.c_str());
+  }
+  ASSERT_TRUE(arpRows(*ipMib).empty()) << "no status, no rows";
+  Quor::nowSourceIs(slowNow);
+  intfUp("Ethernet2", 2);
+  const std::size_t firstSlice = arpRows(*ipMib).size();
+  EXPECT_GT(firstSlice, 0u) << "the first slice runs at once";
+  EXPECT_LT(firstSlice, 300u);
+  intfUp("Ethernet3", 3);
+  int slices = 0;
+  while (root->vrfRootSm()->arpWalking() && slices < 1000) {
+    Quor::activityManager()->runDue();
+    ++slices;
+  }
+  Quor::nowSourceIs(nullptr);
+  EXPECT_GT(slices, 2);
+  EXPECT_EQ(arpRows(*ipMib).size(), 600u);
+}
+
 TEST_F(ArpRouting, TheDefaultNameInTheNameMapChangesNothing) {
   vrf("red");
   start();
