@@ -58,6 +58,7 @@ VrfRootSm::~VrfRootSm() {
   for (auto it = vrfStatusLocal_.begin(); it; ++it) it->vrfRootSmIs(nullptr);
   arpTarnVrfIdReverseMapper_ = nullptr;
   if (arpWalk_) arpWalk_->stop();
+  if (contextOpener_) contextOpener_->stop();
 }
 
 void VrfRootSm::quorZombieNested(bool flag) {
@@ -142,6 +143,22 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
 
     ipAddressTableSm_->vrfIpMibIs(ipMib);
     ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);
+    if (arp->populating()) {
+      awaitingNeighbours_.insert(name);
+      if (!contextOpener_) contextOpener_ = Quor::slicedPass([this] { return doOpenStep(); });
+      arp->populatedHookIs([opener = contextOpener_] { opener->start(); });
+      return;
+    }
+  } catch (const std::exception& e) {
+    QTRACE(agentTracer(), 0, "VRF " << name << " not brought up: " << e.what());
+    doVrfDown(name);
+    return;
+  }
+  doVrfOpen(name);
+}
+
+void VrfRootSm::doVrfOpen(const Quor::Name& name) {
+  try {
     if (snmpContexts_) snmpContexts_->contextIs(name);
     ipAddressTableSm_->handleIntfInVrf(name);
     if (vrfIfTableSm_) vrfIfTableSm_->handleIntfInVrf(name);
@@ -149,6 +166,18 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
     QTRACE(agentTracer(), 0, "VRF " << name << " not brought up: " << e.what());
     doVrfDown(name);
   }
+}
+
+bool VrfRootSm::doOpenStep() {
+  for (const Quor::Name& name : awaitingNeighbours_) {
+    VrfRoot* root = vrfRootDir_->vrfRoot(name);
+    if (root && root->arpTableSm() && root->arpTableSm()->populating()) continue;
+    const Quor::Name ready = name;
+    awaitingNeighbours_.erase(name);
+    if (root) doVrfOpen(ready);
+    return true;
+  }
+  return false;
 }
 
 void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
@@ -164,6 +193,7 @@ void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
 }
 
 void VrfRootSm::doVrfDown(const Quor::Name& name) {
+  awaitingNeighbours_.erase(name);
   if (snmpContexts_ && vrfRoot_.member(name)) snmpContexts_->contextDel(name);
   try {
     QuorTarn::Mount mount(entityManager_, "");

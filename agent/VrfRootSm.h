@@ -5,7 +5,8 @@
 // A VRF is unknown (no status reactor), known (a reactor, no VrfRoot) or up (a VrfRoot). It comes up
 // once the agent is initialized and the routing side has published it (an entry of
 // routingVrfInfoDir): its tables are mounted, its containers and machines made, its address
-// reactors let in, and only then is its SNMP context opened. It goes at state 2, or when its status
+// reactors let in, and only then is its SNMP context opened, once its neighbours are in (at once for
+// an ARP table that a slice walks, a few slices later for a large one). Its routes fill in after. It goes at state 2, or when its status
 // member leaves: the context is closed first, then its tables are unmounted and its rows, containers
 // and machines deleted. It can come up again, with fresh containers that the machines fill whole: its
 // neighbours (the ARP machine populates when it is made with a known VRF id), its interfaces'
@@ -134,8 +135,13 @@ class VrfRootSm : public Quor::Reactor {
                                                        Quor::String8* vrfName);
   // arpTarnKeyToArpTableSm without a reference of its own, which the constructor's passes may not take.
   Quor::Ptr<ArpTableSm> arpTableSmOf(const Arp::Table::ArpKey& key, Quor::String8* vrfName) const;
-  // The bring-up of a published VRF that is not up; `populateArp` loads its neighbours at once.
+  // The bring-up of a published VRF that is not up; `populateArp` loads its neighbours, and the
+  // context opens once they are in.
   void doVrfBringUp(const Quor::Name& name, bool populateArp);
+  // The last of the bring-up: the context, and the addresses and interfaces that move in.
+  void doVrfOpen(const Quor::Name& name);
+  // Opens the context of one VRF whose neighbours are in; false when none is waiting for that.
+  bool doOpenStep();
   // The teardown of a VRF that is up, or of its row only.
   void doVrfTeardown(const L3::VrfName& name);
   // What of a VRF is up goes: its context, its tables' mounts, its containers and machines. Also
@@ -182,6 +188,9 @@ class VrfRootSm : public Quor::Reactor {
   Tarn::TarnMapIterator arpWalkAt_;
   std::optional<Arp::Table::ArpKey> arpWalkedThrough_;
   Quor::Ptr<Quor::SlicedPass> arpWalk_;
+  // VRFs that are up and whose context waits until their neighbours are in, and what opens it.
+  std::set<Quor::Name> awaitingNeighbours_;
+  Quor::Ptr<Quor::SlicedPass> contextOpener_;
   Quor::Ptr<QuorSnmpAgentStatus> snmpAgentStatus_;
   SnmpContexts* const snmpContexts_;
 };

@@ -1,6 +1,8 @@
 // Entries of the one ARP table reach the ARP machine of their VRF through the VRF-id table: id 0 is
 // the default VRF, other ids are looked up by name among the VRFs that are up, an id that arrives
 // after its VRF loads that VRF's entries, and what has no machine is dropped.
+#include <algorithm>
+
 #include "tests/unit/agent/TraceLines.h"
 #include "tests/unit/agent/VrfLifecycleFixture.h"
 
@@ -141,6 +143,27 @@ TEST_F(ArpRouting, AnInterfaceChangeWalksTheTableInSlicesAndOneChangedMeanwhileW
   Quor::nowSourceIs(nullptr);
   EXPECT_GT(slices, 2);
   EXPECT_EQ(arpRows(*ipMib).size(), 600u);
+}
+
+TEST_F(ArpRouting, AVrfWhoseNeighboursTakeSlicesOpensItsContextOnceTheyAreIn) {
+  start();
+  vrfIdIs(7, "red");
+  for (int i = 0; i < 300; ++i) {
+    const std::string addr = "10.0." + std::to_string(i / 100) + "." + std::to_string(i % 100 + 1);
+    neighbourIs(7, "Ethernet1", addr.c_str());
+  }
+  auto opened = [&] {
+    return std::count_if(contexts.calls.begin(), contexts.calls.end(), [](const std::string& call) { return call.starts_with("open red:"); });
+  };
+  Quor::nowSourceIs(slowNow);
+  vrf("red");
+  auto red = ipMibOf("red");
+  EXPECT_LT(arpRows(*red).size(), 300u) << "the first slice runs at once";
+  EXPECT_EQ(opened(), 0);
+  for (int slice = 0; slice < 1000 && !opened(); ++slice) Quor::activityManager()->runDue();
+  Quor::nowSourceIs(nullptr);
+  EXPECT_EQ(opened(), 1);
+  EXPECT_EQ(arpRows(*red).size(), 300u);
 }
 
 TEST_F(ArpRouting, TheDefaultNameInTheNameMapChangesNothing) {
