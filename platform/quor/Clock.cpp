@@ -58,7 +58,7 @@ double threadCpu() {
 }
 
 // Times one piece of work on the loop's thread and reports it when it held the loop longer than a
-// turn should: level 1 beyond Clock::longTurn, level 2 beyond a quarter of it; with the thread's CPU
+// turn should: level 1 beyond Clock::longTurn, level 2 beyond half of it (beyond a slice); with the thread's CPU
 // time, which tells work from time the thread waited for a processor.
 class HoldTimer {
  public:
@@ -66,7 +66,7 @@ class HoldTimer {
   template <class What>
   void report(What what) const {
     const double seconds = now() - wall_;
-    const int level = seconds > Clock::longTurn ? 1 : seconds > Clock::longTurn / 4 ? 2 : 0;
+    const int level = seconds > Clock::longTurn ? 1 : seconds > Clock::longTurn / 2 ? 2 : 0;
     if (level)
       QTRACE(loopTracer(), level,
              "held the loop " << seconds * 1e3 << " ms (" << (threadCpu() - cpu_) * 1e3 << " ms CPU): " << what());

@@ -51,8 +51,8 @@ class Clock : public Entity {
   // The seconds of work that one run of due reactors aims to stay within.
   static inline double turnBudget = 0.008;
   // What no piece of work on the loop's thread should hold it for: a reactor's firing or a
-  // descriptor's handler that takes longer is traced (facility "Loop", level 1; level 2 from a
-  // quarter of it).
+  // descriptor's handler that takes longer is traced (facility "Loop", level 1; level 2 from half
+  // of it).
   static inline double longTurn = 0.020;
 
   using Entity::Entity;
