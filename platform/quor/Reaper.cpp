@@ -29,7 +29,10 @@ class Reaper {
     // Taken out while it runs: a step may hand over more.
     ReapStep step = std::move(steps_.front());
     steps_.pop_front();
-    if (step && step()) steps_.push_front(std::move(step));
+    if (step && step())
+      steps_.push_front(std::move(step));
+    else
+      step = nullptr;  // what it held goes now, and may hand over more
     return !steps_.empty();
   }
 
