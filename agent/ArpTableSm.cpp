@@ -1,5 +1,7 @@
 #include "agent/ArpTableSm.h"
 
+#include <utility>
+
 #include "agent/AgentTrace.h"
 
 namespace IpSnmp {
@@ -8,9 +10,13 @@ ArpTableSm::ArpTableSm(const Inputs& inputs)
     : intfStatusDir_(Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir)),
       ipMib_(Quor::makePtr<QuorIpMib>(inputs.ipMib)),
       arpTarn_(inputs.arpTarn),
-      arpTarnVrfId_(inputs.arpTarnVrfId) {}
+      arpTarnVrfId_(inputs.arpTarnVrfId),
+      populate_(Quor::slicedPass([this] { return doPopulateStep(); })) {}
 
-ArpTableSm::~ArpTableSm() { quorDoZombieReactors(true); }
+ArpTableSm::~ArpTableSm() {
+  populate_->stop();
+  quorDoZombieReactors(true);
+}
 
 void ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId arpTarnVrfId) {
   IPSNMP_HANDLER("void IpSnmp::ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId)");
@@ -23,6 +29,7 @@ void ArpTableSm::arpTarnVrfIdIs(Vrf::VrfIdMap::VrfId arpTarnVrfId) {
     populate();
   } else if (arpTarnVrfId.isUnknown()) {
     arpTarnVrfId_ = arpTarnVrfId;
+    if (walking_) populated();  // nothing more can be added
   }
   // Both known and different: deliberately nothing, the old id stays until the id goes through -1.
 }
@@ -69,15 +76,46 @@ void ArpTableSm::populate() {
     QTRACE(agentTracer(), 8, "  not arp ready");
     return;
   }
+  walking_ = true;
+  walkAt_ = {};
+  walkedThrough_.reset();
+  populate_->onTime();
+}
+
+bool ArpTableSm::doPopulateStep() {
+  if (!walking_) return false;
   // The table has no index by VRF: the walk is over the entries of all VRFs.
   const Arp::Table::Status::ArpEntryMap& entries = arpTarn_->arpEntry();
+  Arp::Table::Status::ArpEntryMap::Wrapper entry;
   try {
-    Tarn::TarnMapIterator it;
-    for (auto entry = entries.first(it); entry; entry = entries.next(entry.key(), it))
-      if (entry.value().vrfId == arpTarnVrfId_) addArpEntry(entry.value());
+    entry = walkedThrough_ ? entries.next(*walkedThrough_, walkAt_) : entries.first(walkAt_);
   } catch (const Tarn::CorruptionDetectedException& e) {
     entries.corruptionDetected(e.text());
   }
+  if (!entry) {
+    populated();
+    return false;
+  }
+  walkedThrough_ = entry.key();
+  if (entry.value().vrfId == arpTarnVrfId_) {
+    try {
+      addArpEntry(entry.value());
+    } catch (const Quor::NameInUseException& e) {
+      QTRACE(agentTracer(), 8, "Arp entry " << entry.value() << " not added: " << e.what());
+    }
+  }
+  return true;
+}
+
+void ArpTableSm::populated() {
+  walking_ = false;
+  populate_->timeMinIs(Quor::never);
+  if (populatedHook_) std::exchange(populatedHook_, nullptr)();
+}
+
+void ArpTableSm::populatedHookIs(std::function<void()> hook) {
+  populatedHook_ = std::move(hook);
+  if (!walking_) populated();
 }
 
 void ArpTableSm::quorZombieNested(bool flag) {

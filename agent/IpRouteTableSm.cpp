@@ -83,7 +83,7 @@ Quor::ValidPtr<FibUtils::FecRouteListSm> IpRouteTableSm::fecRouteListSmIs(
     const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
     const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
     const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList) {
-  fecRouteListSm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routeStatus, forwardingStatus, fecRouteList);
+  fecRouteListSm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routeStatus, forwardingStatus, fecRouteList, clock());
   return fecRouteListSm_;
 }
 
@@ -108,17 +108,30 @@ void IpRouteTableSm::intfDepDelAll() {
 void IpRouteTableSm::handleRoute() {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleRoute()");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially");
-  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
-  try {
-    Tarn::TarnMapIterator it;
-    for (auto route = routes.first(it); route; route = routes.next(route.key(), it)) {
-      QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially for " << route.key());
-      backlogIs(route.key(), true);
-    }
-  } catch (const Tarn::CorruptionDetectedException& e) {
-    routes.corruptionDetected(e.text());
-  }
+  scanning_ = true;
+  scanAt_ = {};
+  scannedThrough_.reset();
   doSetupBacklogTimer();
+}
+
+bool IpRouteTableSm::doScanStep() {
+  // Until the list holds every route, a FEC change could miss a prefix built here.
+  if (!scanning_ || !fecRouteListSm_->filled()) return false;
+  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
+  Tarn::Fib::RouteStatus::RouteMap::Wrapper route;
+  try {
+    route = scannedThrough_ ? routes.next(*scannedThrough_, scanAt_) : routes.first(scanAt_);
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    routes.corruptionDetected(e.text());  // what was built so far stays; the table now reads as empty
+  }
+  if (!route) {
+    scanning_ = false;
+    return false;
+  }
+  scannedThrough_ = route.key();
+  QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially for " << route.key());
+  doRebuildPrefix(route.key(), &route.value());
+  return true;
 }
 
 void IpRouteTableSm::handleRoute(const Pelt::Prefix& prefix) {
@@ -128,16 +141,27 @@ void IpRouteTableSm::handleRoute(const Pelt::Prefix& prefix) {
   doSetupBacklogTimer();
 }
 
+// A walk already under way for this FEC starts again from its first prefix: the change it follows
+// may have come after the walk passed some of them.
 void IpRouteTableSm::handleFec(const Tarn::Fib::FecId& fecId) {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)" << " for " << fecId);
-  Quor::Ptr<const Tarn::Fib::FecRoutes> routes = fecRouteList_->fecRoutes(fecId);
-  if (!routes) return;
-  for (const Pelt::Prefix& prefix : routes->route()) {
-    QTRACE(agentTracer(), 9, "adding " << prefix << " to backlog for " << fecId);
-    backlogIs(prefix, true);
-  }
+  if (!fecRouteList_->walkFrom(fecId)) return;
+  if (fecWalking_.insert(fecId.value()).second) fecWalks_.push_back(fecId);
   doSetupBacklogTimer();
+}
+
+std::optional<Pelt::Prefix> IpRouteTableSm::nextOfFecWalks() {
+  while (!fecWalks_.empty()) {
+    const Tarn::Fib::FecId fecId = fecWalks_.front();
+    if (std::optional<Pelt::Prefix> prefix = fecRouteList_->walkNext(fecId)) {
+      QTRACE(agentTracer(), 9, "adding " << *prefix << " to backlog for " << fecId);
+      return prefix;
+    }
+    fecWalking_.erase(fecId.value());
+    fecWalks_.pop_front();
+  }
+  return std::nullopt;
 }
 
 void IpRouteTableSm::handleIntfStatus(Pelt::IntfId intfId) {
@@ -168,35 +192,53 @@ void IpRouteTableSm::doSetupBacklogTimer() {
   if (clock_->timeMin() > std::numeric_limits<double>::max()) clock_->timeMinIs(0.0);
 }
 
+// The backlog first, then the FEC walks, then the scan; the time is looked at before each prefix.
 void IpRouteTableSm::doProcessIpRouteBacklog() {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
-  const double deadline = Quor::now() + backlogQuantum_;
+  const double deadline = Quor::sliceDeadline(backlogQuantum_);
   double wakeup = Quor::never;
   Backlog::Iterator it = backlog_.startAtHash(bookmark_);
   QTRACE(agentTracer(), 2, "Starting backlog processing");
+  auto timeUp = [&] {
+    if (Quor::now() <= deadline) return false;
+    wakeup = 0.0;
+    QTRACE(agentTracer(), 2, "Backlog processing yielding");
+    return true;
+  };
   for (;;) {
     // The end of the map is not the end of the pass: the members ahead of the bookmark come next.
     if (!it) it = backlog_.begin();
-    if (!it) {
-      QTRACE(agentTracer(), 2, "Backlog processing done");
-      break;
+    if (it) {
+      const Pelt::Prefix prefix = it.key();
+      if (timeUp()) {
+        bookmarkIs(prefix);
+        break;
+      }
+      doRebuildPrefix(prefix);
+      backlogDel(it);
+      ++it;
+      continue;
     }
-    const Pelt::Prefix prefix = it.key();
-    if (Quor::now() > deadline) {
-      bookmarkIs(prefix);
-      wakeup = 0.0;
-      QTRACE(agentTracer(), 2, "Backlog processing yielding");
-      break;
+    if (!fecWalks_.empty() || scanning_) {
+      if (timeUp()) break;
+      if (std::optional<Pelt::Prefix> prefix = nextOfFecWalks()) {
+        doRebuildPrefix(*prefix);
+        continue;
+      }
+      if (doScanStep()) continue;
+      if (scanning_) {  // the list is still filling: the scan goes on at the next opportunity
+        wakeup = 0.0;
+        break;
+      }
     }
-    doRebuildPrefix(prefix);
-    backlogDel(it);
-    ++it;
+    QTRACE(agentTracer(), 2, "Backlog processing done");
+    break;
   }
   clock_->timeMinIs(wakeup);
 }
 
-void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix) {
+void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib::Route* known) {
   IpForwardMib& table = *ipForwardMib();
   const Pelt::IpAddr dest = prefix.addr();
   const Pelt::IpAddr mask = maskOfLength(prefix.len());
@@ -207,7 +249,7 @@ void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix) {
     table.ipCidrRouteTableDel(index);
   }
 
-  const Tarn::Fib::Route route = readRoute(prefix);
+  const Tarn::Fib::Route route = known ? *known : readRoute(prefix);
   if (route == Tarn::Fib::Route()) {
     QTRACE(agentTracer(), 6, prefix << " has no route");
     return;

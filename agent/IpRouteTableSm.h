@@ -3,14 +3,20 @@
 // and forwarding tables in shared memory, without ever holding up the event loop.
 //
 // It works in two halves. The intake (the reactors on the route table, the forwarding table and the
-// interface directory) only marks prefixes in the backlog, a set, and arms the clock; it touches no
-// row. The pass, doProcessIpRouteBacklog(), runs from the clock: it takes prefixes out of the backlog
-// in hash order, starting at the bookmark and wrapping round, deletes every row of each and builds
-// them again from the route and its FEC, one row per via. Before each prefix it looks at the time and
-// yields once backlogQuantum has gone by, leaving the bookmark on the next prefix and the clock armed
-// for the next opportunity; a prefix is never left half rebuilt. Addition, change and deletion are
-// one path, so the intake never needs to know what changed. A FEC change reaches its routes through
-// fecRouteList, which FibUtils::FecRouteListSm keeps as the reverse of the route table.
+// interface directory) only notes what to rebuild and arms the clock; it touches no row. A changed
+// route marks its prefix in the backlog, a set; a changed FEC queues a walk of the prefixes that
+// fecRouteList (which FibUtils::FecRouteListSm keeps as the reverse of the route table) lists under
+// it; the machine's first pass is a scan of the whole route table. The pass, doProcessIpRouteBacklog(),
+// runs from the clock and rebuilds one prefix at a time: it deletes every row of the prefix and builds
+// them again from the route and its FEC, one row per via. It takes the backlog first, in hash order
+// from the bookmark and wrapping round, then the FEC walks, then the scan. Before each prefix it looks
+// at the time and yields once backlogQuantum has gone by or the loop's turn is spent, leaving the
+// bookmark on the next marked prefix and the clock armed for the next opportunity; a prefix is never
+// left half rebuilt. Addition, change and deletion are one path, so the intake never needs to know
+// what changed. So no notification and no pass holds the loop for more than a slice, whatever the
+// number of routes a FEC carries or the table holds when the machine is made: rows fill in over the
+// passes after construction, and the scan starts once fecRouteList holds every route, so that a FEC
+// change never misses a prefix the scan has already built.
 //
 // Deliberate, and relied on (each is a tested behaviour):
 // - there is no periodic rescan: a changed interface index, or a status that goes away, leaves rows
@@ -23,6 +29,10 @@
 //   in FEC order keeps the row and the collision is traced;
 // - route types 0 to 3 make no rows; a FEC of more than 128 vias is a range failure that leaves the
 //   pass with the prefix still in the backlog and the clock idle.
+#include <deque>
+#include <optional>
+#include <unordered_set>
+
 #include "agent/PrefixList.h"
 #include "agent/QuorOutputTable.h"
 #include "model/IpForwardMib.h"
@@ -57,7 +67,7 @@ class IpRouteTableSm : public Quor::Reactor {
     friend bool operator==(const Inputs&, const Inputs&) = default;
   };
 
-  // Makes a reactor on every input, then marks every route present.
+  // Makes a reactor on every input, then starts the scan of every route present.
   explicit IpRouteTableSm(const Inputs& inputs);
   // Leaves the rows of ipForwardMib in place.
   ~IpRouteTableSm() override;
@@ -92,12 +102,18 @@ class IpRouteTableSm : public Quor::Reactor {
   Quor::Ptr<PrefixList> intfDepDel(const Pelt::IntfId& intfId) { return intfDep_.deleteMember(intfId); }
   void intfDepDelAll();
 
+  // Whether the first pass has prefixes of the route table left to build.
+  bool scanning() const noexcept { return scanning_; }
+  // The FECs whose prefixes wait to be rebuilt, oldest change first.
+  const std::deque<Tarn::Fib::FecId>& fecWalks() const noexcept { return fecWalks_; }
+
   const Pelt::Prefix& bookmark() const noexcept { return bookmark_; }
   void bookmarkIs(const Pelt::Prefix& prefix) noexcept { bookmark_ = prefix; }
   double backlogQuantum() const noexcept { return backlogQuantum_; }
   void backlogQuantumIs(double seconds) noexcept { backlogQuantum_ = seconds; }
 
-  // Intake: each marks prefixes and arms the clock.
+  // Intake: each notes prefixes to rebuild and arms the clock. handleRoute() starts the scan of the
+  // whole table, handleFec(fecId) a walk of the FEC's prefixes.
   void handleRoute();
   void handleRoute(const Pelt::Prefix& prefix);
   void handleFec(const Tarn::Fib::FecId& fecId);
@@ -107,15 +123,20 @@ class IpRouteTableSm : public Quor::Reactor {
   void doInstantiate();
   // Asks the clock for a pass at its next opportunity unless one is pending already.
   void doSetupBacklogTimer();
-  // One pass over the backlog, bounded by backlogQuantum.
+  // One pass over the backlog, the FEC walks and the scan, bounded by backlogQuantum and the turn.
   void doProcessIpRouteBacklog();
 
  protected:
   void quorZombieNested(bool flag) override;
 
  private:
-  // Deletes every row of `prefix` and makes one per usable via of its route's FEC.
-  void doRebuildPrefix(const Pelt::Prefix& prefix);
+  // Deletes every row of `prefix` and makes one per usable via of its route's FEC; `route` when the
+  // caller has just read it.
+  void doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib::Route* route = nullptr);
+  // The next prefix of the FEC walks; none when no walk is left.
+  std::optional<Pelt::Prefix> nextOfFecWalks();
+  // Rebuilds the route after the scan's position; false when the scan is over or must wait.
+  bool doScanStep();
   Tarn::Fib::Route readRoute(const Pelt::Prefix& prefix) const;
   Tarn::Fib::Fec readFec(Tarn::Fib::FecId fecId) const;
 
@@ -127,6 +148,11 @@ class IpRouteTableSm : public Quor::Reactor {
   Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList_;
   Quor::Ptr<FibUtils::FecRouteListSm> fecRouteListSm_;
   Backlog backlog_;
+  std::deque<Tarn::Fib::FecId> fecWalks_;
+  std::unordered_set<U64> fecWalking_;  // the FECs of fecWalks_
+  bool scanning_ = false;
+  Tarn::TarnMapIterator scanAt_;
+  std::optional<Pelt::Prefix> scannedThrough_;  // the last prefix the scan built, none before the first
   Pelt::Prefix bookmark_;
   double backlogQuantum_ = defaultBacklogQuantum;
   IntfDep intfDep_;

@@ -1,8 +1,10 @@
 #include "agent/VrfRootSm.h"
 
+#include <utility>
 #include <vector>
 
 #include "agent/AgentTrace.h"
+#include "agent/VrfRemains.h"
 #include "platform/tarn/Mount.h"
 
 namespace IpSnmp {
@@ -55,6 +57,8 @@ VrfRootSm::~VrfRootSm() {
   if (snmpAgentStatus_) snmpAgentStatus_->vrfRootSmIs(nullptr);
   for (auto it = vrfStatusLocal_.begin(); it; ++it) it->vrfRootSmIs(nullptr);
   arpTarnVrfIdReverseMapper_ = nullptr;
+  if (arpWalk_) arpWalk_->stop();
+  if (contextOpener_) contextOpener_->stop();
 }
 
 void VrfRootSm::quorZombieNested(bool flag) {
@@ -139,6 +143,22 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
 
     ipAddressTableSm_->vrfIpMibIs(ipMib);
     ipMib->ipSwFwdStatsIs(Ip::ipVersion4, name);
+    if (arp->populating()) {
+      awaitingNeighbours_.insert(name);
+      if (!contextOpener_) contextOpener_ = Quor::slicedPass([this] { return doOpenStep(); });
+      arp->populatedHookIs([opener = contextOpener_] { opener->start(); });
+      return;
+    }
+  } catch (const std::exception& e) {
+    QTRACE(agentTracer(), 0, "VRF " << name << " not brought up: " << e.what());
+    doVrfDown(name);
+    return;
+  }
+  doVrfOpen(name);
+}
+
+void VrfRootSm::doVrfOpen(const Quor::Name& name) {
+  try {
     if (snmpContexts_) snmpContexts_->contextIs(name);
     ipAddressTableSm_->handleIntfInVrf(name);
     if (vrfIfTableSm_) vrfIfTableSm_->handleIntfInVrf(name);
@@ -146,6 +166,18 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
     QTRACE(agentTracer(), 0, "VRF " << name << " not brought up: " << e.what());
     doVrfDown(name);
   }
+}
+
+bool VrfRootSm::doOpenStep() {
+  for (const Quor::Name& name : awaitingNeighbours_) {
+    VrfRoot* root = vrfRootDir_->vrfRoot(name);
+    if (root && root->arpTableSm() && root->arpTableSm()->populating()) continue;
+    const Quor::Name ready = name;
+    awaitingNeighbours_.erase(name);
+    if (root) doVrfOpen(ready);
+    return true;
+  }
+  return false;
 }
 
 void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
@@ -161,6 +193,7 @@ void VrfRootSm::doVrfTeardown(const L3::VrfName& vrf) {
 }
 
 void VrfRootSm::doVrfDown(const Quor::Name& name) {
+  awaitingNeighbours_.erase(name);
   if (snmpContexts_ && vrfRoot_.member(name)) snmpContexts_->contextDel(name);
   try {
     QuorTarn::Mount mount(entityManager_, "");
@@ -173,6 +206,7 @@ void VrfRootSm::doVrfDown(const Quor::Name& name) {
   ipAddressTableSm_->vrfIpMibDel(name);
   vrfMibsDir_->mibsDel(name);
   vrfRootDel(name);
+  if (VrfRoot* root = vrfRootDir_->vrfRoot(name)) reapVrfRemains(*root);
   vrfRootDir_->vrfRootDel(name);
 }
 
@@ -205,18 +239,6 @@ Arp::Table::ArpEntry VrfRootSm::arpEntryOf(const Arp::Table::ArpKey& key) const 
   } catch (const Tarn::CorruptionDetectedException& e) {
     table.corruptionDetected(e.text());
     return Arp::Table::ArpEntry();
-  }
-}
-
-template <class Visit>
-void VrfRootSm::walkArpTarn(Visit visit) const {
-  if (!arpTarn_ || !arpTarn_->notifier()) return;
-  const auto& table = arpTarn_->notifier()->arpEntry();
-  try {
-    Tarn::TarnMapIterator it;
-    for (auto entry = table.first(it); entry.found(); entry = table.next(entry.key(), it)) visit(entry.value());
-  } catch (const Tarn::CorruptionDetectedException& e) {
-    table.corruptionDetected(e.text());
   }
 }
 
@@ -297,20 +319,54 @@ void VrfRootSm::handleIntfStatus(Pelt::IntfId intfId) {
     QTRACE(agentTracer(), 8, "no ifIndex (yet?)");
     return;
   }
-  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
-    if (!(entry.intfId == intfId)) return;
-    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
-  });
+  arpWalkNext_.intfs.insert(intfId);
+  doArpWalk();
 }
 
 void VrfRootSm::handleIntfStatus() {
   IPSNMP_HANDLER("void IpSnmp::VrfRootSm::handleIntfStatus()");
   if (!intfStatusDir_ || !intfStatusDir_->notifier()) return;
-  const auto& dir = intfStatusDir_->notifier();
-  walkArpTarn([&](const Arp::Table::ArpEntry& entry) {
-    if (!dir->intfStatus(entry.intfId)) return;
-    if (auto sm = arpTableSmOf(entry.key(), nullptr)) sm->addArpEntry(entry);
-  });
+  arpWalkNext_.all = true;
+  doArpWalk();
+}
+
+void VrfRootSm::doArpWalk() {
+  if (!arpTarn_ || !arpTarn_->notifier()) return;
+  if (!arpWalk_) arpWalk_ = Quor::slicedPass([this] { return doArpWalkStep(); });
+  arpWalk_->onTime();
+}
+
+bool VrfRootSm::doArpWalkStep() {
+  if (!arpWalking_) {
+    if (arpWalkNext_.empty()) return false;
+    arpWalking_ = std::exchange(arpWalkNext_, {});
+    arpWalkAt_ = {};
+    arpWalkedThrough_.reset();
+  }
+  const auto& table = arpTarn_->notifier()->arpEntry();
+  Arp::Table::Status::ArpEntryMap::Wrapper entry;
+  try {
+    entry = arpWalkedThrough_ ? table.next(*arpWalkedThrough_, arpWalkAt_) : table.first(arpWalkAt_);
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    table.corruptionDetected(e.text());
+  }
+  if (!entry) {
+    arpWalking_.reset();
+    return !arpWalkNext_.empty();
+  }
+  arpWalkedThrough_ = entry.key();
+  const Arp::Table::ArpEntry& value = entry.value();
+  const Quor::Ptr<const Interface::AllIntfStatusDir>& dir = intfStatusDir_->notifier();
+  const bool covered = arpWalking_->all ? dir && dir->intfStatus(value.intfId) : arpWalking_->intfs.count(value.intfId) > 0;
+  if (!covered) return true;
+  if (auto sm = arpTableSmOf(entry.key(), nullptr)) {
+    try {
+      sm->addArpEntry(value);
+    } catch (const Quor::NameInUseException& e) {
+      QTRACE(agentTracer(), 8, "Arp entry " << value << " not added: " << e.what());
+    }
+  }
+  return true;
 }
 
 Quor::ValidPtr<VrfRootSm::QuorVrfStatusLocal> VrfRootSm::vrfStatusLocalIs(

@@ -5,7 +5,8 @@
 // A VRF is unknown (no status reactor), known (a reactor, no VrfRoot) or up (a VrfRoot). It comes up
 // once the agent is initialized and the routing side has published it (an entry of
 // routingVrfInfoDir): its tables are mounted, its containers and machines made, its address
-// reactors let in, and only then is its SNMP context opened. It goes at state 2, or when its status
+// reactors let in, and only then is its SNMP context opened, once its neighbours are in (at once for
+// an ARP table that a slice walks, a few slices later for a large one). Its routes fill in after. It goes at state 2, or when its status
 // member leaves: the context is closed first, then its tables are unmounted and its rows, containers
 // and machines deleted. It can come up again, with fresh containers that the machines fill whole: its
 // neighbours (the ARP machine populates when it is made with a known VRF id), its interfaces'
@@ -23,7 +24,15 @@
 // - the default VRF is not special-cased here: its machines are Root's, and the inputs must not list it;
 // - vrfTable rows are never refreshed: a row stays with the objects it was made from;
 // - ARP entries of an unknown VRF id, or of a VRF that is not up, are dropped and not remembered;
-//   the id's arrival (populate) or an interface change brings them in later.
+//   the id's arrival (populate) or an interface change brings them in later;
+// - an interface change, and the pass at initialization, walk the whole ARP table (it has no index
+//   by interface) in slices from the clock, the first at once: interfaces that change while a walk is
+//   under way wait for the next walk, which covers them all; an entry is taken as the walk finds it,
+//   with the interface's status of that moment, and one that would take another entry's row is traced
+//   and skipped, not a failure that ends the walk.
+#include <optional>
+#include <set>
+
 #include "agent/IpAddressTableSm.h"
 #include "agent/SnmpContexts.h"
 #include "agent/VrfIfTableSm.h"
@@ -33,6 +42,7 @@
 #include "platform/morvane/EntityManager.h"
 #include "platform/morvane/RoutingConfig.h"
 #include "platform/morvane/SnmpStatus.h"
+#include "platform/quor/SlicedPass.h"
 #include "platform/tarn/ReverseMapper.h"
 
 namespace IpSnmp {
@@ -97,8 +107,11 @@ class VrfRootSm : public Quor::Reactor {
   // ARP routing by VRF.
   void handleArpEntry(const Arp::Table::ArpKey& key);
   void handleArpTarnVrfName(const Quor::String8& name);
+  // The entries of one interface, and of every interface with status: walks of the ARP table.
   void handleIntfStatus(Pelt::IntfId intfId);
   void handleIntfStatus();
+  // Whether a walk of the ARP table is under way or waiting.
+  bool arpWalking() const noexcept { return arpWalk_ && arpWalk_->pending(); }
 
   // One status reactor per member of allVrfStatusLocal.
   Quor::ValidPtr<QuorVrfStatusLocal> vrfStatusLocalIs(const Quor::Ptr<const Ip::VrfStatusLocal>& status);
@@ -122,17 +135,29 @@ class VrfRootSm : public Quor::Reactor {
                                                        Quor::String8* vrfName);
   // arpTarnKeyToArpTableSm without a reference of its own, which the constructor's passes may not take.
   Quor::Ptr<ArpTableSm> arpTableSmOf(const Arp::Table::ArpKey& key, Quor::String8* vrfName) const;
-  // The bring-up of a published VRF that is not up; `populateArp` loads its neighbours at once.
+  // The bring-up of a published VRF that is not up; `populateArp` loads its neighbours, and the
+  // context opens once they are in.
   void doVrfBringUp(const Quor::Name& name, bool populateArp);
+  // The last of the bring-up: the context, and the addresses and interfaces that move in.
+  void doVrfOpen(const Quor::Name& name);
+  // Opens the context of one VRF whose neighbours are in; false when none is waiting for that.
+  bool doOpenStep();
   // The teardown of a VRF that is up, or of its row only.
   void doVrfTeardown(const L3::VrfName& name);
   // What of a VRF is up goes: its context, its tables' mounts, its containers and machines. Also
   // what a failed bring-up made.
   void doVrfDown(const Quor::Name& name);
   Arp::Table::ArpEntry arpEntryOf(const Arp::Table::ArpKey& key) const;
-  // Calls `add` for every entry of the ARP table, stopping at the first damaged read.
-  template <class Visit>
-  void walkArpTarn(Visit visit) const;
+  // What the next walk of the ARP table covers: every interface with status, or these interfaces.
+  struct ArpWalkCover {
+    bool all = false;
+    std::set<Pelt::IntfId> intfs;
+    bool empty() const noexcept { return !all && intfs.empty(); }
+  };
+  // Runs a slice of the walks now, and the rest from the clock.
+  void doArpWalk();
+  // Hands the entry after the walk's position to its machine; false when no walk is left.
+  bool doArpWalkStep();
 
   // Until the constructor has bound every input, binding runs no pass over it. First of the members,
   // so that it is set before the reactors are made.
@@ -157,6 +182,15 @@ class VrfRootSm : public Quor::Reactor {
   Quor::Ptr<Vrf::VrfIdMap::ReverseMapper> arpTarnVrfIdReverseMapper_;
   Quor::HashMap<QuorVrfStatusLocal, L3::VrfName> vrfStatusLocal_;
   bool initialized_ = false;
+  // The ARP walk under way (`arpWalking_`, at `arpWalkAt_` after `arpWalkedThrough_`) and the next.
+  std::optional<ArpWalkCover> arpWalking_;
+  ArpWalkCover arpWalkNext_;
+  Tarn::TarnMapIterator arpWalkAt_;
+  std::optional<Arp::Table::ArpKey> arpWalkedThrough_;
+  Quor::Ptr<Quor::SlicedPass> arpWalk_;
+  // VRFs that are up and whose context waits until their neighbours are in, and what opens it.
+  std::set<Quor::Name> awaitingNeighbours_;
+  Quor::Ptr<Quor::SlicedPass> contextOpener_;
   Quor::Ptr<QuorSnmpAgentStatus> snmpAgentStatus_;
   SnmpContexts* const snmpContexts_;
 };

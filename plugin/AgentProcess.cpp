@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/morvane/Store.h"
+#include "platform/quor/Reaper.h"
 #include "platform/quor/Trace.h"
 #include "platform/snmp/AgentLoop.h"
 #include "platform/snmp/ContextTeardown.h"
@@ -124,6 +125,7 @@ void stop() {
   subagentContexts.reset();
   // The machines first: the VRF lifecycle closes the VRFs' contexts as it goes.
   if (agent) agent->machines.reset();
+  Quor::reapAll();  // what VRFs left to the reaper goes before the plug-in's code does
   Snmp::unregisterHandlersOfThisLibrary();
   agent.reset();
   SnmpUtil::rootIs(nullptr);

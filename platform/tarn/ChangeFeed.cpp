@@ -11,9 +11,10 @@ constexpr U32 clockStride = 128;
 
 void ChangeFeed::size(const TableGeometry& g) {
   keySize_ = g.keySize;
-  counts_.assign(g.capacity, 0);
-  seen_.assign(g.capacity, unknown);
-  keys_.assign(std::size_t(g.capacity) * g.keySize, std::byte{});
+  slots_ = g.capacity;
+  counts_ = ZeroedArray<U32>(g.capacity);
+  seen_ = ZeroedArray<Seen>(g.capacity);
+  keys_ = ZeroedArray<std::byte>(std::size_t(g.capacity) * g.keySize);
   record_.resize(g.recordSize);
   key_.resize(g.keySize);
   leaving_.resize(g.keySize);
@@ -22,18 +23,13 @@ void ChangeFeed::size(const TableGeometry& g) {
 void ChangeFeed::follow(const TableReader& table) {
   size(table.geometry());
   generation_ = table.generation();
-  cursor_ = table.logHead();  // changes made during the snapshot are in the log from here on
+  cursor_ = table.logHead();
   resyncing_ = false;
-  for (U32 slot = 0; slot < table.capacity(); ++slot) {
-    bool occupied = table.readSlot(slot, record_.data(), &counts_[slot]) == SlotState::occupied;
-    seen_[slot] = occupied ? present : absent;
-    if (occupied) std::memcpy(keyAt(slot), record_.data(), keySize_);
-  }
 }
 
 void ChangeFeed::refollow(const TableReader& table) {
   // Slot counts of another file say nothing: remember the keys, forget the slots.
-  for (U32 slot = 0; slot < seen_.size(); ++slot)
+  for (U32 slot = 0; slot < slots_; ++slot)
     if (seen_[slot] == present) orphans_.insert(orphans_.end(), keyAt(slot), keyAt(slot) + keySize_);
   if (keySize_ != table.geometry().keySize) orphans_.clear();
   size(table.geometry());
@@ -47,19 +43,30 @@ void ChangeFeed::resync() {
   resyncPos_ = 0;
 }
 
-// A read never stands in for a delivery: a key recorded here is still delivered when the feed
-// reconciles its slot, because the count recorded is one that the slot has already passed.
-void ChangeFeed::recordRead(U32 slot, U32 count, const std::byte* record) {
-  if (slot >= seen_.size()) return;
+// A key recorded on a read is still delivered when the feed reconciles its slot (the count recorded
+// is one that the slot has already passed), unless the slot was unknown and the table settled: then
+// nothing has changed in the slot since following began, and the read is all there is to know.
+void ChangeFeed::recordRead(const TableReader& table, U32 slot, U32 count, const std::byte* record) {
+  if (slot >= slots_) return;
   bool known = seen_[slot] == present;
   if (known && std::memcmp(keyAt(slot), record, keySize_) == 0) return;
   if (known) {
     orphans_.insert(orphans_.end(), keyAt(slot), keyAt(slot) + keySize_);
     if (pendingHook_) pendingHook_();
   }
-  counts_[slot] = count - 1;
+  counts_[slot] = seen_[slot] == unknown && settled(table) ? count : count - 1;
   seen_[slot] = present;
   std::memcpy(keyAt(slot), record, keySize_);
+}
+
+// The writer opens a batch (odd counter) before it writes a slot and logs every write before it
+// closes the batch, so an even counter that holds across a look at the log head means no write is
+// published and not yet logged.
+bool ChangeFeed::settled(const TableReader& table) const {
+  if (resyncing_ || !orphans_.empty() || generation_ != table.generation()) return false;
+  const U64 commits = table.commitSeq();
+  if (commits & 1) return false;
+  return table.logHead() == cursor_ && table.commitSeq() == commits;
 }
 
 bool ChangeFeed::caughtUp(const TableReader& table) const {

@@ -9,12 +9,20 @@
 // is delivered when its slot no longer holds it, so deletions are never lost. A key may be delivered
 // more often than it changed, never less: the receiver reads the table for the present state.
 //
-// The receiver learns the present through its own reads, which may run ahead of the feed: a key read
-// from a slot that the feed has not reconciled yet would otherwise look unchanged to the feed when it
-// later goes. So the feed observes the reader: a key handed out from a slot where the feed remembers
-// another key is recorded there (still to be delivered), and the key it displaces is queued for
-// delivery. Then every later change of what the receiver has read is a write to a slot where the feed
-// knows the key.
+// The receiver learns the present through its own reads: it makes its own first pass over what the
+// table held when the feed began to follow it, and reads keys as they are delivered. So the feed
+// remembers exactly what the receiver may have seen: what it read and what was delivered. A key read
+// from a slot is recorded there (still to be delivered at the slot's next change), and a key it
+// displaces is queued for delivery; every later change of what the receiver has read is then a write
+// to a slot where the feed knows the key. A read never stands in for a delivery: another reactor of
+// the same table may need the change that the read ran ahead of, so a key read while a change may be
+// waiting for the feed is still delivered at its slot's next reconciliation.
+//
+// Following a table costs nothing up front: a slot the receiver has not read is unknown, and a
+// change logged in it delivers what it holds now (a deletion there removes a key that nobody read).
+// The first read of an unknown slot at a settled moment (no batch under way, the log delivered to its
+// head) records the slot exactly, so a first pass over a quiet table leaves nothing to deliver again.
+// Slots that are never read take no memory.
 //
 // Delivery stops at a deadline and resumes on the next pump, where it left off.
 #include <cstddef>
@@ -22,6 +30,7 @@
 #include <vector>
 
 #include "platform/tarn/TableReader.h"
+#include "platform/tarn/ZeroedArray.h"
 
 namespace Tarn {
 
@@ -30,7 +39,7 @@ class ChangeFeed : public ReadObserver {
   // Receives the bytes of one key; false stops the pump at once (the table was let go meanwhile).
   using Deliver = std::function<bool(const std::byte* key)>;
 
-  // Takes what `table` holds now as seen, without delivering anything.
+  // Follows `table` from now on: what it holds now is the receiver's to read, nothing is delivered.
   void follow(const TableReader& table);
   // Moves to `table`, a file that replaced the one followed: every key remembered and every key the
   // new file holds is delivered.
@@ -45,21 +54,25 @@ class ChangeFeed : public ReadObserver {
   bool deliveredThrough(const TableReader& table, U64 logPosition) const;
   // Called when a read queued a displaced key, so that the owner can schedule a pump.
   void pendingHookIs(std::function<void()> hook) { pendingHook_ = std::move(hook); }
-  void recordRead(U32 slot, U32 count, const std::byte* record) override;
+  void recordRead(const TableReader& table, U32 slot, U32 count, const std::byte* record) override;
   U64 resyncs() const noexcept { return resyncs_; }
   U64 delivered() const noexcept { return delivered_; }
 
  private:
   enum Seen : U8 { unknown, absent, present };
   bool reconcile(const TableReader& table, U32 slot, const Deliver& deliver);
+  // Whether no write of `table` can be waiting for the feed: none under way, every one delivered.
+  bool settled(const TableReader& table) const;
   bool deliverKey(const std::byte* key, const Deliver& deliver);
   std::byte* keyAt(U32 slot) { return &keys_[std::size_t(slot) * keySize_]; }
   void size(const TableGeometry& g);
 
   U32 keySize_ = 0;
-  std::vector<U32> counts_;
-  std::vector<Seen> seen_;
-  std::vector<std::byte> keys_;
+  U32 slots_ = 0;
+  // Per slot, zero (unknown) until the slot is first seen: pages of slots never seen are not touched.
+  ZeroedArray<U32> counts_;
+  ZeroedArray<Seen> seen_;
+  ZeroedArray<std::byte> keys_;
   // Keys still to deliver that no slot holds: displaced by a read, or of a file that was replaced.
   std::vector<std::byte> orphans_;
   std::function<void()> pendingHook_;

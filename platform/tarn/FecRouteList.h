@@ -2,61 +2,102 @@
 // The reverse of a route table: for each FEC id, the prefixes whose routes name that FEC, so that a
 // change of a FEC finds the routes it affects. FibUtils::FecRouteListSm keeps it up to date.
 //
-// Iterators of a member's route collection are those of std::unordered_set: the list changes only
-// when a route notification reaches the machine, never while a reader walks a member; a member taken
-// out of the list stays readable through the pointer its reader holds.
+// Storage, for route tables of millions of prefixes: every listed prefix is one entry of 20 bytes in
+// one array (the prefix, its FEC's place and the links of that FEC's chain), found by prefix through
+// an open-addressing index of entry numbers; each FEC that some route names has a place with its id,
+// the head of its chain and its count. Both the index and the array come from zeroed mappings sized
+// for the route table (reserve), so the pages of a table that is far from full are never touched,
+// and letting the list go frees a few large blocks, not a node per prefix.
+//
+// Walks. A walk of one FEC's prefixes (walkFrom, walkNext) may be spread over many turns of the loop
+// while routes come and go: a prefix that leaves the FEC before the walk reaches it is not visited,
+// one that joins it meanwhile is not either (its own route change reaches the reader), and every
+// prefix listed under the FEC throughout the walk is visited once. Each FEC has at most one walk;
+// starting it again starts it from the beginning.
 #include <cstddef>
+#include <optional>
 #include <unordered_map>
-#include <unordered_set>
+#include <vector>
 
 #include "platform/pelt/Prefix.h"
 #include "platform/quor/Ptr.h"
 #include "platform/tarn/FibRoute.h"
+#include "platform/tarn/ZeroedArray.h"
 
 namespace Tarn::Fib {
 
-struct PrefixHash {
-  std::size_t operator()(const Pelt::Prefix& prefix) const noexcept { return prefix.hash(); }
-};
-
-// The prefixes whose routes name one FEC.
-class FecRoutes : public Quor::PtrInterface {
- public:
-  using Routes = std::unordered_set<Pelt::Prefix, PrefixHash>;
-  explicit FecRoutes(FecId fecId) : fecId_(fecId) {}
-  FecId fecId() const noexcept { return fecId_; }
-  const Routes& route() const noexcept { return route_; }
-
- private:
-  friend class FecRouteList;
-  FecId fecId_;
-  Routes route_;
-};
-
 class FecRouteList : public Quor::PtrInterface {
  public:
-  // The member of `fecId`, null when no route names that FEC.
-  Quor::Ptr<const FecRoutes> fecRoutes(FecId fecId) const;
   // FECs that some route names.
-  std::size_t members() const noexcept { return members_.size(); }
+  std::size_t members() const noexcept { return fecOf_.size(); }
+  // Listed prefixes.
+  std::size_t routes() const noexcept { return routes_; }
+  // The prefixes listed under `fecId`.
+  std::size_t routeCount(FecId fecId) const;
+  // The FEC `prefix` is listed under, none when it is not listed.
+  std::optional<FecId> fecOf(const Pelt::Prefix& prefix) const;
+  // Visits the prefixes listed under `fecId`, most recently listed first.
+  template <class Visit>
+  void forEachRouteOf(FecId fecId, Visit&& visit) const;
+
   // Lists `prefix` under `fecId`, and under no other FEC.
   void routeIs(const Pelt::Prefix& prefix, FecId fecId);
   // Lists `prefix` nowhere.
   void routeDel(const Pelt::Prefix& prefix);
-  // The FEC `prefix` is listed under, null when none.
-  const FecId* fecOf(const Pelt::Prefix& prefix) const;
-  // Room for `routes` listed prefixes: a list that grows with its route table one prefix at a time
-  // would otherwise rehash every prefix at once each time it doubles, a stall of its own at 1M routes.
-  void reserve(std::size_t routes) { listedUnder_.reserve(routes); }
-  // Visits every listed prefix with its FEC.
-  template <class Visit>
-  void forEachRoute(Visit&& visit) const {
-    for (const auto& [prefix, member] : listedUnder_) visit(prefix, member->fecId());
-  }
+  // Lists nothing; the memory goes too.
+  void clear();
+  // Room for `routes` listed prefixes at once: growing by doubling would move every entry of a large
+  // list inside one route notification. Growth past it (a route table rebuilt larger) still moves them.
+  void reserve(std::size_t routes);
+
+  // Starts the walk of `fecId`'s prefixes from its first, or again from its first; false when no
+  // prefix is listed under it.
+  bool walkFrom(FecId fecId);
+  // The next prefix of the walk of `fecId`; none when the walk is over (or the FEC is gone).
+  std::optional<Pelt::Prefix> walkNext(FecId fecId);
 
  private:
-  std::unordered_map<U64, Quor::Ptr<FecRoutes>> members_;
-  std::unordered_map<Pelt::Prefix, FecRoutes*, PrefixHash> listedUnder_;  // members owned by members_
+  static constexpr U32 none = ~U32(0);
+  struct Entry {
+    U32 addr;  // network order; the prefix of a free entry is meaningless
+    U8 len;
+    U32 fec;   // the FEC's place, `none` for a free entry (whose `next` is the next free one)
+    U32 next;  // the FEC's chain, newest first
+    U32 prev;
+    Pelt::Prefix prefix() const { return Pelt::Prefix(Pelt::IpAddr::fromNetworkOrder(addr), len); }
+  };
+  struct Fec {
+    FecId id;
+    U32 head = none;
+    U32 count = 0;
+    U32 cursor = none;  // what its walk visits next
+  };
+
+  U32 find(const Pelt::Prefix& prefix) const;  // the entry, or none
+  U32 bucketOf(U32 addr, U8 len) const noexcept;
+  void indexInsert(U32 entry);
+  void indexErase(U32 entry);
+  void grow(std::size_t routes);
+  U32 newEntry();
+  void unlink(U32 entry);
+
+  // index_[bucket] is 1 + an entry number, 0 when empty (so that zeroed memory is an empty index).
+  ZeroedArray<U32> index_;
+  U32 indexBits_ = 0;
+  ZeroedArray<Entry> entries_;
+  U32 used_ = 0;  // entries ever handed out: [0, used_) are listed or free
+  U32 free_ = none;
+  std::size_t routes_ = 0;
+  std::vector<Fec> fecs_;
+  std::vector<U32> freeFecs_;
+  std::unordered_map<U64, U32> fecOf_;
 };
+
+template <class Visit>
+void FecRouteList::forEachRouteOf(FecId fecId, Visit&& visit) const {
+  auto it = fecOf_.find(fecId.value());
+  if (it == fecOf_.end()) return;
+  for (U32 e = fecs_[it->second].head; e != none; e = entries_[e].next) visit(entries_[e].prefix());
+}
 
 }  // namespace Tarn::Fib

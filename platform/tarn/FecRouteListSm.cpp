@@ -1,15 +1,15 @@
 #include "platform/tarn/FecRouteListSm.h"
 
-#include <vector>
-
 namespace FibUtils {
 
 FecRouteListSm::FecRouteListSm(Quor::Ptr<const Tarn::Fib::RouteStatus> routeStatus,
                                Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus,
-                               Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList)
+                               Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList, Quor::Ptr<const Quor::Clock> clock)
     : routeStatus_(Quor::makePtr<QuorRouteStatus>(this)), forwardingStatus_(std::move(forwardingStatus)),
-      fecRouteList_(std::move(fecRouteList)) {
+      fecRouteList_(std::move(fecRouteList)),
+      fill_(Quor::makePtr<Quor::SlicedPass>([this] { return doFillStep(); })) {
   if (!fecRouteList_) Quor::throwRangeException("null fecRouteList parameter to FibUtils::FecRouteListSm not allowed");
+  fill_->clockIs(clock ? clock : Quor::Ptr<const Quor::Clock>(Quor::activityManager()->clock()));
   routeStatus_->notifierIs(routeStatus);
   if (forwardingStatus_ && routeStatus) {
     const Tarn::Fib::RouteStatus* routes = routeStatus.ptr();
@@ -19,6 +19,7 @@ FecRouteListSm::FecRouteListSm(Quor::Ptr<const Tarn::Fib::RouteStatus> routeStat
 }
 
 FecRouteListSm::~FecRouteListSm() {
+  fill_->stop();
   if (forwardingStatus_) forwardingStatus_->fec().deliveredAfterIs(nullptr);
   routeStatus_->quorDoZombieReactors(true);
   routeStatus_->notifierIs(nullptr);
@@ -42,24 +43,28 @@ void FecRouteListSm::handleRoute(const Pelt::Prefix& prefix) {
 }
 
 void FecRouteListSm::handleRoute() {
-  std::unordered_map<Pelt::Prefix, Tarn::Fib::FecId, Tarn::Fib::PrefixHash> present;
-  if (const Quor::Ptr<const Tarn::Fib::RouteStatus>& status = routeStatus_->notifier()) {
-    const Tarn::Fib::RouteStatus::RouteMap& table = status->route();
-    try {
-      Tarn::TarnMapIterator it;
-      for (auto route = table.first(it); route; route = table.next(route.key(), it))
-        present.emplace(route.key(), route.value().fecId);
-      if (!present.empty()) fecRouteList_->reserve(table.maxSize());
-    } catch (const Tarn::CorruptionDetectedException& e) {
-      table.corruptionDetected(e.text());  // the table reads as empty from now on, and so does the list
-    }
+  fecRouteList_->clear();
+  fillAt_ = {};
+  filledThrough_.reset();
+  fill_->start();
+}
+
+bool FecRouteListSm::doFillStep() {
+  const Quor::Ptr<const Tarn::Fib::RouteStatus>& status = routeStatus_->notifier();
+  if (!status) return false;
+  const Tarn::Fib::RouteStatus::RouteMap& table = status->route();
+  try {
+    auto route = filledThrough_ ? table.next(*filledThrough_, fillAt_) : table.first(fillAt_);
+    if (!route) return false;
+    if (!filledThrough_) fecRouteList_->reserve(table.maxSize());
+    filledThrough_ = route.key();
+    fecRouteList_->routeIs(route.key(), route.value().fecId);
+    return true;
+  } catch (const Tarn::CorruptionDetectedException& e) {
+    table.corruptionDetected(e.text());  // the table reads as empty from now on, and so does the list
+    fecRouteList_->clear();
+    return false;
   }
-  std::vector<Pelt::Prefix> gone;
-  fecRouteList_->forEachRoute([&](const Pelt::Prefix& prefix, Tarn::Fib::FecId) {
-    if (!present.contains(prefix)) gone.push_back(prefix);
-  });
-  for (const Pelt::Prefix& prefix : gone) fecRouteList_->routeDel(prefix);
-  for (const auto& [prefix, fecId] : present) fecRouteList_->routeIs(prefix, fecId);
 }
 
 }  // namespace FibUtils

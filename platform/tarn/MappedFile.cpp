@@ -6,13 +6,15 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/quor/Reaper.h"
+
 namespace Tarn {
 
 FileDescriptor::~FileDescriptor() {
   if (fd_ >= 0) ::close(fd_);
 }
 
-Mapping::Mapping(int fd, std::size_t size, bool writable) : size_(size) {
+Mapping::Mapping(int fd, std::size_t size, bool writable) : size_(size), writable_(writable) {
   base_ = ::mmap(nullptr, size, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, fd, 0);
   if (base_ == MAP_FAILED) {
     base_ = nullptr;
@@ -21,7 +23,11 @@ Mapping::Mapping(int fd, std::size_t size, bool writable) : size_(size) {
 }
 
 Mapping::~Mapping() {
-  if (base_) ::munmap(base_, size_);
+  if (!base_) return;
+  if (writable_)
+    ::munmap(base_, size_);
+  else
+    Quor::reapMapping(base_, size_);
 }
 
 void throwSystemError(const char* call, const std::string& path) {

@@ -28,12 +28,17 @@ class Mapping {
   Mapping() = default;
   // Maps `size` bytes of `fd` shared, read-only or read-write; raises std::system_error on failure.
   Mapping(int fd, std::size_t size, bool writable);
-  Mapping(Mapping&& o) noexcept : base_(std::exchange(o.base_, nullptr)), size_(std::exchange(o.size_, 0)) {}
+  Mapping(Mapping&& o) noexcept
+      : base_(std::exchange(o.base_, nullptr)), size_(std::exchange(o.size_, 0)), writable_(o.writable_) {}
   Mapping& operator=(Mapping o) noexcept {
     std::swap(base_, o.base_);
     std::swap(size_, o.size_);
+    std::swap(writable_, o.writable_);
     return *this;
   }
+  // A reader's mapping of a large table goes back in pieces, through the reaper (Quor::reapMapping):
+  // unmapping a table of a million routes whose pages have all been read takes milliseconds. A
+  // writer's goes at once.
   ~Mapping();
   std::byte* base() const noexcept { return static_cast<std::byte*>(base_); }
   std::size_t size() const noexcept { return size_; }
@@ -41,6 +46,7 @@ class Mapping {
  private:
   void* base_ = nullptr;
   std::size_t size_ = 0;
+  bool writable_ = false;
 };
 
 // Raises std::system_error for the errno of a failed call on `path`.

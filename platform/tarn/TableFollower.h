@@ -2,11 +2,12 @@
 // A reader's attachment to one table file over time: it maps the file when it is there, follows its
 // changes through a ChangeFeed, and hands changed keys to its client from the event loop.
 //
-// Delivery is bounded per turn of the loop: a wake-up delivers for at most `deliveryQuantum`
-// seconds, then asks the clock for another turn, so that a writer loading a million records does not
-// hold up requests. Whether the file is there at the first attach decides how the client learns of
-// its content: present then, it is taken as known (the client makes its own first pass); appearing
-// later, or replacing another file, every key in it is delivered.
+// Delivery is bounded per turn of the loop: it runs from the clock (a file's wake-up only asks the
+// clock for a turn), delivers for at most `deliveryQuantum` seconds and within the turn's budget,
+// then asks for another turn, so that a writer loading a million records does not hold up requests.
+// Whether the file is there at the first attach decides how the client learns of its content: present
+// then, the client makes its own first pass and hears of later changes to what it has read (see
+// ChangeFeed); appearing later, or replacing another file, every key in it is delivered.
 //
 // A follower may be ordered after another table's (its predecessor): a round of its deliveries waits
 // until the predecessor has delivered every change that its writer had logged when the round began,

@@ -109,7 +109,7 @@ bool TableReader::lookup(const void* key, void* out) const {
     SlotState state = readSlot(slot, out, &count);
     if (state == SlotState::empty) return false;
     if (state == SlotState::occupied && std::memcmp(out, key, geometry_.keySize) == 0) {
-      if (observer_) observer_->recordRead(slot, count, static_cast<const std::byte*>(out));
+      if (observer_) observer_->recordRead(*this, slot, count, static_cast<const std::byte*>(out));
       return true;
     }
     slot = slot + 1 == capacity ? 0 : slot + 1;
@@ -121,7 +121,7 @@ U32 TableReader::nextOccupied(U32 from, void* out) const {
   for (U32 slot = from; slot < geometry_.capacity; ++slot) {
     U32 count;
     if (readSlot(slot, out, &count) != SlotState::occupied) continue;
-    if (observer_) observer_->recordRead(slot, count, static_cast<const std::byte*>(out));
+    if (observer_) observer_->recordRead(*this, slot, count, static_cast<const std::byte*>(out));
     return slot;
   }
   return geometry_.capacity;
@@ -131,7 +131,9 @@ U32 TableReader::members() const noexcept { return memory_.header().members.load
 
 U64 TableReader::generation() const noexcept { return memory_.header().generation.load(std::memory_order_acquire); }
 
-bool TableReader::batchOpen() const noexcept { return memory_.header().commitSeq.load(std::memory_order_acquire) & 1; }
+bool TableReader::batchOpen() const noexcept { return commitSeq() & 1; }
+
+U64 TableReader::commitSeq() const noexcept { return memory_.header().commitSeq.load(std::memory_order_acquire); }
 
 U64 TableReader::logHead() const noexcept { return memory_.header().logHead.load(std::memory_order_acquire); }
 

@@ -22,11 +22,13 @@ struct ReaderCounters {
   U64 corruptions = 0;  // CorruptionDetectedException raised
 };
 
-// Told of every record that a lookup or a walk hands out, with its slot and write count.
+class TableReader;
+
+// Told of every record that a lookup or a walk of `table` hands out, with its slot and write count.
 class ReadObserver {
  public:
   virtual ~ReadObserver() = default;
-  virtual void recordRead(U32 slot, U32 count, const std::byte* record) = 0;
+  virtual void recordRead(const TableReader& table, U32 slot, U32 count, const std::byte* record) = 0;
 };
 
 class TableReader {
@@ -56,6 +58,8 @@ class TableReader {
   U32 capacity() const noexcept { return geometry_.capacity; }
   U64 generation() const noexcept;
   bool batchOpen() const noexcept;
+  // The writer's commit counter: odd while a batch is being applied, and moved by every batch.
+  U64 commitSeq() const noexcept;
   U64 logHead() const noexcept;
   // The slot number at a change-log position below logHead(); false when the writer has since
   // overwritten the position.

@@ -12,6 +12,11 @@ void RouteTableFixture::TearDown() {
   Quor::nowSourceIs(nullptr);
 }
 
+void RouteTableFixture::settle() {
+  for (int run = 0; run < 100000 && !(idle() && sm->fecRouteListSm()->filled()); ++run) runClock();
+  ASSERT_TRUE(idle()) << "the machine never finished";
+}
+
 void RouteTableFixture::intfUp(const char* name, S32 ifIndex, const char* kind) {
   intfStatusDir->intfStatusIs(Quor::makePtr<Interface::IntfStatus>(Pelt::IntfId(name), Quor::Name(kind), ifIndex));
 }
@@ -27,7 +32,7 @@ void RouteTableFixture::routeIs(const char* prefix, U64 fecId, Routing::Fib::Rou
   routes->table().put(route.prefix, route);
 }
 
-void RouteTableFixture::fecIs(U64 fecId, std::initializer_list<const char*> vias) {
+void RouteTableFixture::fecIs(U64 fecId, const std::vector<const char*>& vias) {
   Tarn::Fib::Fec fec;
   fec.fecId = Tarn::Fib::FecId(fecId);
   for (std::string_view via : vias) {
@@ -51,6 +56,12 @@ std::vector<std::string> RouteTableFixture::rows() const {
 std::set<Pelt::Prefix> RouteTableFixture::marked() const {
   std::set<Pelt::Prefix> out;
   for (auto it = sm->backlog().begin(); it; ++it) out.insert(it.key());
+  return out;
+}
+
+std::vector<U64> RouteTableFixture::fecsWalked() const {
+  std::vector<U64> out;
+  for (Tarn::Fib::FecId fecId : sm->fecWalks()) out.push_back(fecId.value());
   return out;
 }
 

@@ -30,6 +30,8 @@ class RouteTableFixture : public ::testing::Test {
   void start() { sm = Quor::makePtr<IpRouteTableSm>(IpRouteTableSm::Inputs{ipForwardMib, intfStatusDir, routes, fecs, clock}); }
   // Lets the clock run what is due, as the event loop does between requests.
   void runClock() { clock->runDue(); }
+  // Runs the clock until the machine has nothing left to do.
+  void settle();
   static void timePasses(double seconds) { fakeNow += seconds; }
 
   // The interface exists with this index; a new status object each time, as the store makes it.
@@ -41,13 +43,15 @@ class RouteTableFixture : public ::testing::Test {
                U32 metric = 0, U8 preference = 1);
   void routeGone(const char* prefix) { routes->table().erase(Pelt::Prefix(prefix)); }
   // A via is "<hop>@<interface>", either part may be empty: "10.0.0.1@Ethernet1", "@Ethernet1".
-  void fecIs(U64 fecId, std::initializer_list<const char*> vias);
+  void fecIs(U64 fecId, const std::vector<const char*>& vias);
   void fecGone(U64 fecId) { fecs->table().erase(Tarn::Fib::FecId(fecId)); }
 
   // The rows of ipCidrRouteTable in walk order, as "<dest> <mask> <tos> <nextHop> if<ifIndex>".
   std::vector<std::string> rows() const;
   // The prefixes in the backlog.
   std::set<Pelt::Prefix> marked() const;
+  // The FECs whose prefixes wait to be rebuilt.
+  std::vector<U64> fecsWalked() const;
   // The prefixes waiting for `intf`, or {"absent"} when it has no list.
   std::set<std::string> waitingFor(const char* intf) const;
   bool scheduled() const { return sm->quorClock()->timeMin() == 0.0; }

@@ -1,7 +1,15 @@
 // The clock that drives time-sliced work: a request of 0.0 fires at the next run, once.
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
+
 #include "platform/quor/Clock.h"
+#include "platform/quor/Reaper.h"
+#include "platform/quor/SlicedPass.h"
 
 namespace {
 
@@ -69,6 +77,102 @@ TEST_F(ClockTest, ARequestMadeBeforeAttachingCountsOnceAttached) {
   EXPECT_EQ(clock->nextDeadline(), 0.0);
   clock->runDue();
   EXPECT_EQ(t->fired, 1);
+}
+
+// Takes `cost` seconds of the fake time at each firing, notes its name, and asks again.
+class Worker : public Quor::Clock::NotifieeConst {
+ public:
+  Worker(char name, std::string* log) : name_(name), log_(log) {}
+  void onTime() override {
+    *log_ += name_;
+    fakeTime += 0.006;
+    timeMinIs(0.0);
+  }
+
+ private:
+  char name_;
+  std::string* log_;
+};
+
+// Three machines busy at once, each taking 6 ms a slice against a budget of 8 ms: a run fires until
+// its budget is spent (the second starts within it), and those left over fire first at the next run.
+TEST_F(ClockTest, BusyReactorsShareTheRunsInTurn) {
+  std::string fired;
+  std::vector<Quor::Ptr<Worker>> workers;
+  for (char name : {'A', 'B', 'C'}) {
+    workers.push_back(Quor::makePtr<Worker>(name, &fired));
+    workers.back()->notifierIs(clock);
+    workers.back()->timeMinIs(0.0);
+  }
+  for (int run = 0; run < 3; ++run) {
+    clock->runDue();
+    fired += '|';
+    EXPECT_EQ(Quor::turnDeadline(), Quor::never);  // outside a run
+  }
+  EXPECT_EQ(fired, "AB|CA|BC|");
+}
+
+// A pass of 100 steps of 1 ms each: slices end at the quantum (4.5 ms), and finish() runs what is left at once.
+TEST_F(ClockTest, ASlicedPassEndsEachSliceAtItsQuantumAndFinishRunsTheRest) {
+  int left = 100;
+  auto pass = Quor::slicedPass([&] {
+    fakeTime += 0.001;
+    return --left > 0;
+  }, 0.0045);
+  pass->start();
+  clock->runDue();
+  EXPECT_EQ(left, 95);  // 5 steps: the one that crosses the quantum ends the slice
+  EXPECT_TRUE(pass->pending());
+  clock->runDue();
+  EXPECT_EQ(left, 90);
+  pass->finish();
+  EXPECT_EQ(left, 0);
+  EXPECT_FALSE(pass->pending());
+  clock->runDue();
+  EXPECT_EQ(left, 0);
+  pass->stop();
+}
+
+// The reaper frees what it is handed in slices of the clock, in the order handed over, each step
+// holding what it frees until it says it is done; a large mapping goes back a piece at a time.
+TEST_F(ClockTest, TheReaperFreesInSlicesInTheOrderHandedOver) {
+  std::string freed;
+  auto owner = [&](char name, int steps) {
+    return [&freed, name, steps, held = std::make_shared<int>(0)]() mutable {
+      fakeTime += 0.001;
+      freed += name;
+      return ++*held < steps;
+    };
+  };
+  Quor::reap(owner('A', 3));
+  Quor::reap(owner('B', 20));
+  clock->runDue();
+  EXPECT_EQ(freed.substr(0, 3), "AAA");
+  EXPECT_LT(freed.size(), 10u) << "one slice of the default quantum";
+  EXPECT_EQ(Quor::reapsPending(), 1u);
+
+  // What a step held may hand over more as it goes: that runs too.
+  struct HandsOverMore {
+    std::string* freed;
+    ~HandsOverMore() {
+      Quor::reap([f = freed] {
+        *f += 'C';
+        return false;
+      });
+    }
+  };
+  Quor::reap([held = std::make_shared<HandsOverMore>(&freed)] { return false; });
+  for (int run = 0; run < 100 && Quor::reapsPending(); ++run) clock->runDue();
+  EXPECT_EQ(freed, "AAA" + std::string(20, 'B') + "C");
+
+  const std::size_t bytes = std::size_t(64) << 20;
+  void* mapping = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(mapping, MAP_FAILED);
+  Quor::reapMapping(mapping, bytes);
+  Quor::reapAll();
+  EXPECT_EQ(Quor::reapsPending(), 0u);
+  unsigned char resident = 0;
+  EXPECT_NE(::mincore(static_cast<char*>(mapping) + bytes - 4096, 4096, &resident), 0) << "unmapped to its end";
 }
 
 }  // namespace
