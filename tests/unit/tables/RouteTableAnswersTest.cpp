@@ -1,6 +1,7 @@
 // What ipCidrRouteTable and ipCidrRouteNumber answer: the columns of a row with their types and fixed
 // values, the refusal of every SET with its trace, and the tables of each VRF in its own context,
-// gone from the agent once the context is unregistered and back when it is registered again.
+// gone from the agent once the context is unregistered and back when it is registered again. And the
+// index of inetCidrRouteTable for each family and kind of next hop, with inetCidrRouteNumber.
 #include <gtest/gtest.h>
 
 #include "AgentRequests.h"
@@ -147,8 +148,8 @@ TEST_F(RouteTableAnswersTest, EachVrfContextServesItsOwnRoutes) {
   EXPECT_EQ(getOne(routeNumber, "blue").integer, 0);
   EXPECT_EQ(TableTest::AgentRequests("blue").walk(oidOf("1.3.6.1.2.1.4.24.4")).size(), 0u);
   EXPECT_EQ(TableTest::AgentRequests("red").walk(oidOf("1.3.6.1.2.1.4.24.4")).size(), 16u);
-  EXPECT_EQ(ipForwardRegistrations().handlerRegistrations("red").size(), 2u);
-  EXPECT_EQ(ipForwardRegistrations().columnInfos("red").size(), 1u);
+  EXPECT_EQ(ipForwardRegistrations().handlerRegistrations("red").size(), 4u);
+  EXPECT_EQ(ipForwardRegistrations().columnInfos("red").size(), 2u);
 }
 
 TEST_F(RouteTableAnswersTest, UnregisteredContextLeavesNothingInTheAgent) {
@@ -172,6 +173,33 @@ TEST_F(RouteTableAnswersTest, ContextRegisteredAgainAnswersAgain) {
   init_IpForward("red");
   EXPECT_EQ(getOne(routeNumber, "red").integer, 1);
   EXPECT_EQ(TableTest::AgentRequests("red").walk(oidOf("1.3.6.1.2.1.4.24.4")).size(), 16u);
+}
+
+// IPv4 rows first, a connected route without next hop, a link-local IPv6 next hop with its zone.
+TEST_F(RouteTableAnswersTest, InetTableIndexesEveryKindOfNextHopAndCountsBothFamilies) {
+  TableTest::addRoute(*tree.ipForwardMib, "10.1.3.0", 24, "0.0.0.0", 3);
+  for (const char* hop : {"::", "2001:db8::1"}) TableTest::addRoute6(*tree.ipForwardMib, "2001:db8::", 32, hop, 2);
+  TableTest::addRoute6(*tree.ipForwardMib, "2001:db8::", 32, "fe80::1", 258);
+  const std::string dest6 = "2.16.32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.0.32.2.0.0";
+  const std::pair<std::string, long> rows[] = {
+      {"1.4.10.1.2.0.24.2.0.0.1.4.192.0.2.1", 7},
+      {"1.4.10.1.3.0.24.2.0.0.0.0", 3},
+      {dest6 + ".0.0", 2},
+      {dest6 + ".2.16.32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.1", 2},
+      {dest6 + ".4.20.254.128.0.0.0.0.0.0.0.0.0.0.0.0.0.1.0.0.1.2", 258}};
+  const std::vector<TableTest::Varbind> walk = agent.walk(oidOf("1.3.6.1.2.1.4.24.7.1.7"));
+  ASSERT_EQ(walk.size(), std::size(rows));
+  for (std::size_t i = 0; i < walk.size(); ++i) {
+    EXPECT_EQ(TableTest::textOf(walk[i].name), "1.3.6.1.2.1.4.24.7.1.7." + rows[i].first);
+    EXPECT_EQ(walk[i].integer, rows[i].second) << rows[i].first;
+  }
+  const TableTest::Varbind number = getOne(oidOf("1.3.6.1.2.1.4.24.6.0"));
+  EXPECT_EQ(number.type, ASN_GAUGE);
+  EXPECT_EQ(number.integer, 5);
+  EXPECT_EQ(getOne(routeNumber).integer, 2);
+  for (unsigned c : {10u, 12u})
+    EXPECT_EQ(agent.setInteger(oidOf("1.3.6.1.2.1.4.24.7.1." + std::to_string(c) + "." + rows[0].first), 5).errorStatus,
+              SNMP_ERR_NOTWRITABLE) << c;
 }
 
 }  // namespace
