@@ -49,6 +49,13 @@ class Mount {
   bool initialized_ = false;
 };
 
+// Mounts `info` at `path` as `Table` and gives the entity mounted there as one (null if it is not).
+template <class Table>
+Quor::Ptr<const Table> mountedAs(Mount& mount, const std::string& path, const MountInfo& info) {
+  mount.doMount(path, Table::typeName, info);
+  return Quor::dynamicPtrCast<const Table>(mount.getEntity(path));
+}
+
 }  // namespace QuorTarn
 
 namespace Tarn::Fib {
