@@ -1,5 +1,5 @@
-// The command-line writer, run as another process would: what it writes is what a mounted view reads
-// and its reactors hear, and bad input is refused whole with a message naming the word at fault.
+// The command-line writer, run as another process would: what it writes, IPv6 routes and FECs among
+// it, is what a mounted view reads and its reactors hear, and bad input is refused whole with a message naming the word at fault.
 #include <sys/wait.h>
 
 #include <array>
@@ -64,6 +64,16 @@ TEST_F(TarnTool, WritesWhatTheMountedViewsReadAndTheirReactorsHear) {
   auto vrfIds = mounted<Vrf::VrfIdMap::Status>("vrf/idmap", Vrf::VrfIdMap::TableInfo::vrfIdMapInfo());
   EXPECT_EQ(vrfIds->vrfEntry().lookup(Vrf::VrfIdMap::VrfId(7)).value().vrfName(), L3::VrfName("red"));
 
+  ASSERT_EQ(tool("route6 put 2001:db8::/32 9 metric=7").status, 0);
+  ASSERT_EQ(tool("--vrf red fec6 put 9 fe80::1@Ethernet1 ::@Vlan10").status, 0);
+  auto routes6 = mounted<Tarn::Fib::Route6Status>("routing6/status", Tarn::Fib::TableInfo::route6Info());
+  EXPECT_EQ(routes6->route().lookup(Pelt::Ip6AddrWithMask("2001:db8::/32")).value().metric, Routing::RouteMetric(7));
+  auto fecs6 = mounted<Tarn::Fib::Forwarding6Status>("forwarding6/vrf/status/red", Tarn::Fib::TableInfo::forwarding6Info());
+  const Tarn::Fib::Fec6 fec6 = fecs6->fec().lookup(Tarn::Fib::FecId(9)).value();
+  ASSERT_EQ(fec6.viaCount, 2u);
+  EXPECT_EQ(fec6.via(Tarn::Fib::ViaIndex(0)).hop, Pelt::Ip6Addr("fe80::1"));
+  EXPECT_EQ(fec6.via(Tarn::Fib::ViaIndex(1)).intfId, Pelt::IntfId("Vlan10"));
+
   class Heard : public Tarn::Fib::RouteStatus::NotifieeConst {
    public:
     void onRoute(const Pelt::Prefix& prefix) override { heard.push_back(prefix); }
@@ -93,7 +103,7 @@ TEST_F(TarnTool, BadInputIsNamedInTheError) {
   EXPECT_EQ(tool("arp put -1 Ethernet1 10.0.0.1 00:1c:73:00:00:01").output,
             "ipsnmp-tarn: command: bad VRF id '-1' (a number up to 4294967294)\n");
   EXPECT_EQ(tool("vrf put 3").output, "ipsnmp-tarn: command: usage: vrf put VRF-ID NAME | vrf del VRF-ID\n");
-  EXPECT_EQ(tool("mpls put 3").output, "ipsnmp-tarn: command: unknown table 'mpls' (route, fec, arp, vrf)\n");
+  EXPECT_EQ(tool("mpls put 3").output, "ipsnmp-tarn: command: unknown table 'mpls' (route, fec, route6, fec6, arp, vrf)\n");
   ToolRun noCommand = tool("");
   EXPECT_EQ(noCommand.status, 2);
   EXPECT_NE(noCommand.output.find("usage: ipsnmp-tarn"), std::string::npos);
