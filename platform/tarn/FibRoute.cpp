@@ -32,6 +32,22 @@ void decodeAttributes(const Record& record, Route& route) {
   route.fecId = FecId(record.fecId);
 }
 
+template <class Codec>
+typename Codec::Record encodeRoute(const typename Codec::Value& route) {
+  typename Codec::Record r{};
+  Codec::encodeKey(route.prefix, &r);
+  encodeAttributes(route, r);
+  return r;
+}
+
+template <class Codec>
+typename Codec::Value decodeRoute(const typename Codec::Record& record) {
+  typename Codec::Value route;
+  route.prefix = Codec::decodeKey(reinterpret_cast<const std::byte*>(&record));
+  decodeAttributes(record, route);
+  return route;
+}
+
 }  // namespace
 
 std::ostream& operator<<(std::ostream& out, const Route& route) { return printRoute(out, route); }
@@ -43,12 +59,7 @@ void RouteCodec::encodeKey(const Pelt::Prefix& prefix, RouteRecord* record) {
   std::memset(record->keyPad, 0, sizeof record->keyPad);
 }
 
-RouteRecord RouteCodec::encode(const Route& route) {
-  RouteRecord r{};
-  encodeKey(route.prefix, &r);
-  encodeAttributes(route, r);
-  return r;
-}
+RouteRecord RouteCodec::encode(const Route& route) { return encodeRoute<RouteCodec>(route); }
 
 Pelt::Prefix RouteCodec::decodeKey(const std::byte* key) {
   RouteRecord r;
@@ -56,12 +67,7 @@ Pelt::Prefix RouteCodec::decodeKey(const std::byte* key) {
   return Pelt::Prefix(Pelt::IpAddr::fromNetworkOrder(r.addr), r.len > 32 ? 32 : r.len);
 }
 
-Route RouteCodec::decode(const RouteRecord& record) {
-  Route route;
-  route.prefix = decodeKey(reinterpret_cast<const std::byte*>(&record));
-  decodeAttributes(record, route);
-  return route;
-}
+Route RouteCodec::decode(const RouteRecord& record) { return decodeRoute<RouteCodec>(record); }
 
 void Route6Codec::encodeKey(const Pelt::Ip6AddrWithMask& prefix, Route6Record* record) {
   prefix.addr().copyToBuffer(record->addr);
@@ -69,12 +75,7 @@ void Route6Codec::encodeKey(const Pelt::Ip6AddrWithMask& prefix, Route6Record* r
   std::memset(record->keyPad, 0, sizeof record->keyPad);
 }
 
-Route6Record Route6Codec::encode(const Route6& route) {
-  Route6Record r{};
-  encodeKey(route.prefix, &r);
-  encodeAttributes(route, r);
-  return r;
-}
+Route6Record Route6Codec::encode(const Route6& route) { return encodeRoute<Route6Codec>(route); }
 
 Pelt::Ip6AddrWithMask Route6Codec::decodeKey(const std::byte* key) {
   Route6Record r;
@@ -82,11 +83,6 @@ Pelt::Ip6AddrWithMask Route6Codec::decodeKey(const std::byte* key) {
   return Pelt::Ip6AddrWithMask(Pelt::Ip6Addr::fromBytes(r.addr), r.len > 128 ? 128 : r.len);
 }
 
-Route6 Route6Codec::decode(const Route6Record& record) {
-  Route6 route;
-  route.prefix = decodeKey(reinterpret_cast<const std::byte*>(&record));
-  decodeAttributes(record, route);
-  return route;
-}
+Route6 Route6Codec::decode(const Route6Record& record) { return decodeRoute<Route6Codec>(record); }
 
 }  // namespace Tarn::Fib
