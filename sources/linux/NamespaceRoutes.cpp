@@ -10,20 +10,30 @@
 namespace Sources::Linux {
 
 std::optional<WantedRoute> NamespaceRoutes::wantedRoute(const Pelt::Prefix& prefix) const {
-  auto it = routes_.find(prefix);
-  if (it == routes_.end() || it->second.empty()) return std::nullopt;
-  const KernelRoute& best = it->second.begin()->second;
-  WantedRoute wanted;
+  return wantedOf<WantedRoute>(routes_, prefix);
+}
+
+std::optional<WantedRoute6> NamespaceRoutes::wantedRoute(const Pelt::Ip6AddrWithMask& prefix) const {
+  return wantedOf<WantedRoute6>(routes6_, prefix);
+}
+
+template <class Wanted, class Route>
+std::optional<Wanted> NamespaceRoutes::wantedOf(const Routes<Route>& routes, const decltype(Route::prefix)& prefix) const {
+  using Via = typename decltype(Wanted::vias)::value_type;
+  auto it = routes.find(prefix);
+  if (it == routes.end() || it->second.empty()) return std::nullopt;
+  const Route& best = it->second.begin()->second;
+  Wanted wanted;
   wanted.route.prefix = prefix;
   wanted.route.metric = Routing::RouteMetric(best.priority);
   wanted.route.routeType = routeTypeOf(best);
   wanted.route.preference = preferenceOf(wanted.route.routeType);
-  for (const KernelNextHop& hop : best.nextHops) {
+  for (const auto& hop : best.nextHops) {
     if (wanted.vias.size() == Tarn::Fib::Fec::maxVias) break;
-    wanted.vias.push_back(Tarn::Fib::Via{hop.gateway, nameOf(hop.ifIndex)});
+    wanted.vias.push_back(Via{hop.gateway, nameOf(hop.ifIndex)});
   }
-  std::sort(wanted.vias.begin(), wanted.vias.end(), [](const Tarn::Fib::Via& a, const Tarn::Fib::Via& b) {
-    return a.hop != b.hop ? a.hop < b.hop : a.intfId < b.intfId;
+  std::sort(wanted.vias.begin(), wanted.vias.end(), [](const Via& a, const Via& b) {
+    return !(a.hop == b.hop) ? a.hop < b.hop : a.intfId < b.intfId;
   });
   return wanted;
 }
@@ -45,6 +55,12 @@ std::vector<Pelt::Prefix> NamespaceRoutes::prefixes() const {
   return all;
 }
 
+std::vector<Pelt::Ip6AddrWithMask> NamespaceRoutes::prefixes6() const {
+  std::vector<Pelt::Ip6AddrWithMask> all;
+  for (const auto& entry : routes6_) all.push_back(entry.first);
+  return all;
+}
+
 std::vector<NamespaceRoutes::NeighbourKey> NamespaceRoutes::neighbours() const {
   std::vector<NeighbourKey> all;
   for (const auto& entry : neighbours_) all.push_back(entry.first);
@@ -54,8 +70,9 @@ std::vector<NamespaceRoutes::NeighbourKey> NamespaceRoutes::neighbours() const {
 void NamespaceRoutes::resyncBegins() {
   links_.clear();
   routes_.clear();
+  routes6_.clear();
   neighbours_.clear();
-  changes_ = Changes{true, {}, {}};
+  changes_ = Changes{true, {}, {}, {}};
 }
 
 void NamespaceRoutes::message(const nlmsghdr& message) {
@@ -66,7 +83,10 @@ void NamespaceRoutes::message(const nlmsghdr& message) {
       break;
     case RTM_NEWROUTE:
     case RTM_DELROUTE:
-      if (auto route = decodeRoute(message)) handleRoute(*route, message.nlmsg_type == RTM_NEWROUTE);
+      if (auto route = decodeRoute(message))
+        handleRoute(routes_, changes_.prefixes, *route, message.nlmsg_type == RTM_NEWROUTE);
+      else if (auto route6 = decodeRoute6(message))
+        handleRoute(routes6_, changes_.prefixes6, *route6, message.nlmsg_type == RTM_NEWROUTE);
       break;
     case RTM_NEWNEIGH:
     case RTM_DELNEIGH:
@@ -85,27 +105,36 @@ void NamespaceRoutes::handleLink(const KernelLink& link, bool present) {
   else
     links_.erase(it);
   // The names in FECs and ARP entries of this link change with it.
-  for (const auto& [prefix, routes] : routes_)
-    for (const auto& [key, route] : routes)
-      if (std::any_of(route.nextHops.begin(), route.nextHops.end(),
-                      [&](const KernelNextHop& hop) { return hop.ifIndex == link.ifIndex; }))
-        changes_.prefixes.insert(prefix);
+  changedWithLink(routes_, link.ifIndex, changes_.prefixes);
+  changedWithLink(routes6_, link.ifIndex, changes_.prefixes6);
   for (const auto& [key, neighbour] : neighbours_)
     if (key.first == link.ifIndex) changes_.neighbours.insert(key);
 }
 
-void NamespaceRoutes::handleRoute(const KernelRoute& route, bool present) {
+template <class Route>
+void NamespaceRoutes::changedWithLink(const Routes<Route>& routes, S32 ifIndex,
+                                      std::set<decltype(Route::prefix)>& changed) {
+  for (const auto& [prefix, ofPrefix] : routes)
+    for (const auto& [key, route] : ofPrefix)
+      if (std::any_of(route.nextHops.begin(), route.nextHops.end(),
+                      [&](const auto& hop) { return hop.ifIndex == ifIndex; }))
+        changed.insert(prefix);
+}
+
+template <class Route>
+void NamespaceRoutes::handleRoute(Routes<Route>& routes, std::set<decltype(Route::prefix)>& changed,
+                                  const Route& route, bool present) {
   if (route.table != RT_TABLE_MAIN) return;
   const RouteKey key{route.priority, route.tos};
   if (present) {
-    routes_[route.prefix][key] = route;
+    routes[route.prefix][key] = route;
   } else {
-    auto it = routes_.find(route.prefix);
-    if (it == routes_.end()) return;
+    auto it = routes.find(route.prefix);
+    if (it == routes.end()) return;
     it->second.erase(key);
-    if (it->second.empty()) routes_.erase(it);
+    if (it->second.empty()) routes.erase(it);
   }
-  changes_.prefixes.insert(route.prefix);
+  changed.insert(route.prefix);
 }
 
 void NamespaceRoutes::handleNeighbour(const KernelNeigh& neighbour, bool present) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/pelt/EthAddr.h"
+#include "platform/pelt/Ip6Addr.h"
 #include "platform/pelt/Prefix.h"
 
 namespace Sources::Linux {
@@ -33,27 +34,33 @@ struct KernelAddr {
 };
 std::optional<KernelAddr> decodeAddr(const nlmsghdr& message);
 
-struct KernelNextHop {
-  Pelt::IpAddr gateway;  // 0.0.0.0 for a directly connected next hop
-  S32 ifIndex = 0;       // 0 when the kernel names no device
-  friend auto operator<=>(const KernelNextHop& a, const KernelNextHop& b) noexcept {
-    if (auto c = a.gateway.hostOrder() <=> b.gateway.hostOrder(); c != 0) return c;
-    return a.ifIndex <=> b.ifIndex;
+template <class Addr>
+struct BasicKernelNextHop {
+  Addr gateway;     // the zero address for a directly connected next hop
+  S32 ifIndex = 0;  // 0 when the kernel names no device
+  friend bool operator<(const BasicKernelNextHop& a, const BasicKernelNextHop& b) noexcept {
+    return a.gateway == b.gateway ? a.ifIndex < b.ifIndex : a.gateway < b.gateway;
   }
-  friend bool operator==(const KernelNextHop&, const KernelNextHop&) = default;
+  friend bool operator==(const BasicKernelNextHop&, const BasicKernelNextHop&) = default;
 };
+using KernelNextHop = BasicKernelNextHop<Pelt::IpAddr>;
 
-struct KernelRoute {
-  Pelt::Prefix prefix;
+template <class Prefix, class Addr>
+struct BasicKernelRoute {
+  using NextHop = BasicKernelNextHop<Addr>;
+  Prefix prefix;
   U8 tos = 0;
   U32 table = 0;     // RT_TABLE_*
   U32 priority = 0;  // the metric
   U8 protocol = 0;   // RTPROT_*
   U8 type = 0;       // RTN_*
-  std::vector<KernelNextHop> nextHops;  // one per path; next hops by IPv6 gateway are left out
+  std::vector<NextHop> nextHops;  // one per path; next hops by a gateway of the other family are left out
 };
-// IPv4 routes only.
+using KernelRoute = BasicKernelRoute<Pelt::Prefix, Pelt::IpAddr>;
+using KernelRoute6 = BasicKernelRoute<Pelt::Ip6AddrWithMask, Pelt::Ip6Addr>;
+// IPv4 routes, and IPv6 routes.
 std::optional<KernelRoute> decodeRoute(const nlmsghdr& message);
+std::optional<KernelRoute6> decodeRoute6(const nlmsghdr& message);
 
 struct KernelNeigh {
   S32 ifIndex = 0;
