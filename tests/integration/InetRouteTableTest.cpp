@@ -2,7 +2,7 @@
 // default scenario: in the default context and a VRF's, the IPv4 rows of inetCidrRouteTable are the
 // rows of ipCidrRouteTable under the other index, with the same values (age and next-hop AS unsigned
 // 0), the IPv6 rows of the scenario follow, and inetCidrRouteNumber counts both; an IPv6 route added
-// to the file while the agent runs shows in the next walk.
+// to the file while the agent runs shows in the next walk, and one taken out goes.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -132,15 +132,19 @@ TEST_F(InetRouteTableTest, RowsOfBothFamiliesInEveryContextAndIpv4AsInIpCidrRout
   expectRows(Credentials::v3("red"), redIpv6);
 }
 
-TEST_F(InetRouteTableTest, Ipv6RouteAddedToTheScenarioShowsInTheNextWalk) {
+TEST_F(InetRouteTableTest, Ipv6RoutesAddedToAndTakenFromTheScenarioShowInTheNextWalk) {
   expectRows(Credentials::v2c("public"), defaultIpv6);
   const std::string after = "{ fec: 7, type: staticConfig, metric: 1 }\n";
+  const std::string connected = "\"2001:db8:0:1::/64\": { fec: 6, type: connected }";
   std::string edited = scenario_;
   const std::size_t at = edited.find(after);
   ASSERT_NE(at, std::string::npos);
   edited.insert(at + after.size(), addedRoute);
+  const std::size_t gone = edited.find(connected);
+  ASSERT_NE(gone, std::string::npos);
+  edited.erase(gone, connected.size());
   agent_.scenarioIs(edited);
-  std::vector<Ipv6Row> rows = defaultIpv6;
+  std::vector<Ipv6Row> rows(defaultIpv6.begin(), defaultIpv6.end() - 1);  // the connected route's is last
   rows.insert(rows.end(), addedIpv6.begin(), addedIpv6.end());
   expectRows(Credentials::v2c("public"), rows);
 }
