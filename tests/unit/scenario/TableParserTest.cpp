@@ -33,6 +33,31 @@ TEST(TableSections, ALeftOutSectionIsATableTheScenarioDoesNotManage) {
   EXPECT_TRUE(t.vrfIds && t.vrfIds->empty());
 }
 
+// IPv6 FECs (their vias IPv6) and routes go to the IPv6 tables; a run of routes counts up blocks of
+// the prefix's length, across the 64-bit boundary, and may not run past the last address.
+TEST(TableSections, Ipv6RoutesAndFecsAreReadApart) {
+  Sources::TablesScenario t = parseScenario(
+                                  "fib:\n"
+                                  "  red:\n"
+                                  "    fecs:\n"
+                                  "      7: [\"fe80::1@Ethernet1\", \"::@Vlan10\"]\n"
+                                  "    routes:\n"
+                                  "      \"2001:db8:0:ffff::/64\": { fec: 7, count: 2, metric: 3 }\n",
+                                  "s.yaml")
+                                  .tables;
+  const Sources::FibScenario& red = t.fib->at("red");
+  EXPECT_TRUE(red.fecs.empty() && red.routes.empty());
+  ASSERT_EQ(red.fecs6.size(), 1u);
+  EXPECT_EQ(red.fecs6[0].viaCount, 2u);
+  EXPECT_EQ(red.fecs6[0].vias[1], (Tarn::Fib::Via6{Pelt::Ip6Addr("::"), Pelt::IntfId("Vlan10")}));
+  ASSERT_EQ(red.routes6.size(), 2u);
+  EXPECT_EQ(red.routes6[1].prefix, Pelt::Ip6AddrWithMask("2001:db8:1::/64"));
+  EXPECT_EQ(red.routes6[1].metric, Routing::RouteMetric(3));
+  EXPECT_NE(errorOf("fib: { default: { routes: { \"ffff:ffff:ffff:ffff:ffff:ffff:ffff:ff00/120\": "
+                    "{ fec: 1, count: 2 } } } }\n"),
+            "(accepted)");
+}
+
 TEST(TableSections, RoutesAndFecsAreReadWithTheirDefaults) {
   Sources::TablesScenario t = parseScenario(
                                   "fib:\n"
