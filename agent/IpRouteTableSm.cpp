@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "agent/AgentTrace.h"
-#include "model/Mask.h"
 #include "model/ProtocolMap.h"
 
 namespace IpSnmp {
@@ -40,7 +39,8 @@ bool suitableForFib(Routing::Fib::RouteType type) { return type < 0 || type > Ro
 
 }  // namespace
 
-IpRouteTableSm::IpRouteTableSm(const Inputs& inputs)
+template <class Family>
+BasicIpRouteTableSm<Family>::BasicIpRouteTableSm(const Inputs& inputs)
     : ipForwardMib_(Quor::makePtr<QuorIpForwardMib>(inputs.ipForwardMib)),
       intfStatusDir_(Quor::reactorOn<QuorIntfStatusDir>(inputs.intfStatusDir, this)),
       routeStatus_(Quor::reactorOn<QuorRouteStatus>(inputs.routeStatus, this)),
@@ -54,7 +54,8 @@ IpRouteTableSm::IpRouteTableSm(const Inputs& inputs)
   clock_->ipRouteTableSmIs(this);
 }
 
-IpRouteTableSm::~IpRouteTableSm() {
+template <class Family>
+BasicIpRouteTableSm<Family>::~BasicIpRouteTableSm() {
   quorDoZombieReactors(true);
   // A reactor that a notification still holds must not reach back into a machine that is gone.
   if (intfStatusDir_) intfStatusDir_->ipRouteTableSmIs(nullptr);
@@ -66,46 +67,57 @@ IpRouteTableSm::~IpRouteTableSm() {
   intfDepDelAll();
 }
 
-Quor::Ptr<IpForwardMib> IpRouteTableSm::ipForwardMib() const { return ipForwardMib_ ? ipForwardMib_->table() : nullptr; }
-Quor::Ptr<const Interface::AllIntfStatusDir> IpRouteTableSm::intfStatusDir() const { return notifierOf(intfStatusDir_); }
-Quor::Ptr<const Tarn::Fib::RouteStatus> IpRouteTableSm::routeStatus() const { return notifierOf(routeStatus_); }
-Quor::Ptr<const Tarn::Fib::ForwardingStatus> IpRouteTableSm::forwardingStatus() const {
+template <class Family>
+Quor::Ptr<IpForwardMib> BasicIpRouteTableSm<Family>::ipForwardMib() const { return ipForwardMib_ ? ipForwardMib_->table() : nullptr; }
+template <class Family>
+Quor::Ptr<const Interface::AllIntfStatusDir> BasicIpRouteTableSm<Family>::intfStatusDir() const { return notifierOf(intfStatusDir_); }
+template <class Family>
+auto BasicIpRouteTableSm<Family>::routeStatus() const -> Quor::Ptr<const RouteStatus> { return notifierOf(routeStatus_); }
+template <class Family>
+auto BasicIpRouteTableSm<Family>::forwardingStatus() const -> Quor::Ptr<const ForwardingStatus> {
   return notifierOf(forwardingStatus_);
 }
-Quor::Ptr<const Quor::Clock> IpRouteTableSm::clock() const { return notifierOf(clock_); }
+template <class Family>
+Quor::Ptr<const Quor::Clock> BasicIpRouteTableSm<Family>::clock() const { return notifierOf(clock_); }
 
-Quor::ValidPtr<Tarn::Fib::FecRouteList> IpRouteTableSm::fecRouteListIs() {
-  if (!fecRouteList_) fecRouteList_ = Quor::makePtr<Tarn::Fib::FecRouteList>();
+template <class Family>
+auto BasicIpRouteTableSm<Family>::fecRouteListIs() -> Quor::ValidPtr<FecRouteList> {
+  if (!fecRouteList_) fecRouteList_ = Quor::makePtr<FecRouteList>();
   return fecRouteList_;
 }
 
-Quor::ValidPtr<FibUtils::FecRouteListSm> IpRouteTableSm::fecRouteListSmIs(
-    const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-    const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-    const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList) {
-  fecRouteListSm_ = Quor::makePtr<FibUtils::FecRouteListSm>(routeStatus, forwardingStatus, fecRouteList, clock());
+template <class Family>
+auto BasicIpRouteTableSm<Family>::fecRouteListSmIs(const Quor::Ptr<const RouteStatus>& routeStatus,
+                                                   const Quor::Ptr<const ForwardingStatus>& forwardingStatus,
+                                                   const Quor::Ptr<FecRouteList>& fecRouteList)
+    -> Quor::ValidPtr<FecRouteListSm> {
+  fecRouteListSm_ = Quor::makePtr<FecRouteListSm>(routeStatus, forwardingStatus, fecRouteList, clock());
   return fecRouteListSm_;
 }
 
-Quor::ValidPtr<IpRouteTableSm::QuorBacklog> IpRouteTableSm::backlogIs(const Pelt::Prefix& prefix, bool value) {
+template <class Family>
+auto BasicIpRouteTableSm<Family>::backlogIs(const Prefix& prefix, bool value) -> Quor::ValidPtr<QuorBacklog> {
   if (QuorBacklog* member = backlog_.member(prefix)) return member;
   auto member = Quor::makePtr<QuorBacklog>(prefix, value);
   backlog_.memberIs(member);
   return member;
 }
 
-Quor::ValidPtr<PrefixList> IpRouteTableSm::intfDepIs(const Pelt::IntfId& intfId) {
+template <class Family>
+auto BasicIpRouteTableSm<Family>::intfDepIs(const Pelt::IntfId& intfId) -> Quor::ValidPtr<PrefixList> {
   if (PrefixList* member = intfDep_.member(intfId)) return member;
   auto member = Quor::makePtr<PrefixList>(intfId);
   intfDep_.memberIs(member);
   return member;
 }
 
-void IpRouteTableSm::intfDepDelAll() {
+template <class Family>
+void BasicIpRouteTableSm<Family>::intfDepDelAll() {
   for (auto it = intfDep_.begin(); it; ++it) intfDepDel(it.key());
 }
 
-void IpRouteTableSm::handleRoute() {
+template <class Family>
+void BasicIpRouteTableSm<Family>::handleRoute() {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleRoute()");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute()" << " initially");
   scanning_ = true;
@@ -114,11 +126,12 @@ void IpRouteTableSm::handleRoute() {
   doSetupBacklogTimer();
 }
 
-bool IpRouteTableSm::doScanStep() {
+template <class Family>
+bool BasicIpRouteTableSm<Family>::doScanStep() {
   // Until the list holds every route, a FEC change could miss a prefix built here.
   if (!scanning_ || !fecRouteListSm_->filled()) return false;
-  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
-  Tarn::Fib::RouteStatus::RouteMap::Wrapper route;
+  const typename RouteStatus::RouteMap& routes = routeStatus()->route();
+  typename RouteStatus::RouteMap::Wrapper route;
   try {
     route = scannedThrough_ ? routes.next(*scannedThrough_, scanAt_) : routes.first(scanAt_);
   } catch (const Tarn::CorruptionDetectedException& e) {
@@ -134,7 +147,8 @@ bool IpRouteTableSm::doScanStep() {
   return true;
 }
 
-void IpRouteTableSm::handleRoute(const Pelt::Prefix& prefix) {
+template <class Family>
+void BasicIpRouteTableSm<Family>::handleRoute(const Prefix& prefix) {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleRoute(const Pelt::Prefix&)");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleRoute(const Pelt::Prefix&)" << " for " << prefix);
   backlogIs(prefix, true);
@@ -143,7 +157,8 @@ void IpRouteTableSm::handleRoute(const Pelt::Prefix& prefix) {
 
 // A walk already under way for this FEC starts again from its first prefix: the change it follows
 // may have come after the walk passed some of them.
-void IpRouteTableSm::handleFec(const Tarn::Fib::FecId& fecId) {
+template <class Family>
+void BasicIpRouteTableSm<Family>::handleFec(const Tarn::Fib::FecId& fecId) {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleFec(const Tarn::Fib::FecId&)" << " for " << fecId);
   if (!fecRouteList_->walkFrom(fecId)) return;
@@ -151,10 +166,11 @@ void IpRouteTableSm::handleFec(const Tarn::Fib::FecId& fecId) {
   doSetupBacklogTimer();
 }
 
-std::optional<Pelt::Prefix> IpRouteTableSm::nextOfFecWalks() {
+template <class Family>
+auto BasicIpRouteTableSm<Family>::nextOfFecWalks() -> std::optional<Prefix> {
   while (!fecWalks_.empty()) {
     const Tarn::Fib::FecId fecId = fecWalks_.front();
-    if (std::optional<Pelt::Prefix> prefix = fecRouteList_->walkNext(fecId)) {
+    if (std::optional<Prefix> prefix = fecRouteList_->walkNext(fecId)) {
       QTRACE(agentTracer(), 9, "adding " << *prefix << " to backlog for " << fecId);
       return prefix;
     }
@@ -164,7 +180,8 @@ std::optional<Pelt::Prefix> IpRouteTableSm::nextOfFecWalks() {
   return std::nullopt;
 }
 
-void IpRouteTableSm::handleIntfStatus(Pelt::IntfId intfId) {
+template <class Family>
+void BasicIpRouteTableSm<Family>::handleIntfStatus(Pelt::IntfId intfId) {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::handleIntfStatus(Pelt::IntfId)");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::handleIntfStatus(Pelt::IntfId)" << " for " << intfId);
   Quor::Ptr<PrefixList> waiting = intfDep_.member(intfId);
@@ -172,7 +189,8 @@ void IpRouteTableSm::handleIntfStatus(Pelt::IntfId intfId) {
     QTRACE(agentTracer(), 8, "no prefixes for " << intfId);
     return;
   }
-  const bool present = intfStatusDir()->intfStatus(intfId) != nullptr;
+  const Quor::Ptr<const Interface::AllIntfStatusDir> statuses = intfStatusDir();
+  const bool present = statuses && statuses->intfStatus(intfId) != nullptr;
   for (auto it = waiting->prefixes().begin(); it; ++it) {
     if (present) {
       QTRACE(agentTracer(), 9, "adding " << it.key() << " to backlog due to " << intfId);
@@ -183,22 +201,25 @@ void IpRouteTableSm::handleIntfStatus(Pelt::IntfId intfId) {
   if (present) doSetupBacklogTimer();
 }
 
-void IpRouteTableSm::doInstantiate() {
+template <class Family>
+void BasicIpRouteTableSm<Family>::doInstantiate() {
   for (const auto& [type, protocol] : routeProtocols) protoMap.protocolIs(type, protocol);
   fecRouteListSmIs(routeStatus(), forwardingStatus(), fecRouteListIs());
 }
 
-void IpRouteTableSm::doSetupBacklogTimer() {
+template <class Family>
+void BasicIpRouteTableSm<Family>::doSetupBacklogTimer() {
   if (clock_->timeMin() > std::numeric_limits<double>::max()) clock_->timeMinIs(0.0);
 }
 
 // The backlog first, then the FEC walks, then the scan; the time is looked at before each prefix.
-void IpRouteTableSm::doProcessIpRouteBacklog() {
+template <class Family>
+void BasicIpRouteTableSm<Family>::doProcessIpRouteBacklog() {
   IPSNMP_HANDLER("void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
   QTRACE(agentTracer(), 8, "void IpSnmp::IpRouteTableSm::doProcessIpRouteBacklog()");
   const double deadline = Quor::sliceDeadline(backlogQuantum_);
   double wakeup = Quor::never;
-  Backlog::Iterator it = backlog_.startAtHash(bookmark_);
+  typename Backlog::Iterator it = backlog_.startAtHash(bookmark_);
   QTRACE(agentTracer(), 2, "Starting backlog processing");
   auto timeUp = [&] {
     if (Quor::now() <= deadline) return false;
@@ -210,7 +231,7 @@ void IpRouteTableSm::doProcessIpRouteBacklog() {
     // The end of the map is not the end of the pass: the members ahead of the bookmark come next.
     if (!it) it = backlog_.begin();
     if (it) {
-      const Pelt::Prefix prefix = it.key();
+      const Prefix prefix = it.key();
       if (timeUp()) {
         bookmarkIs(prefix);
         break;
@@ -222,7 +243,7 @@ void IpRouteTableSm::doProcessIpRouteBacklog() {
     }
     if (!fecWalks_.empty() || scanning_) {
       if (timeUp()) break;
-      if (std::optional<Pelt::Prefix> prefix = nextOfFecWalks()) {
+      if (std::optional<Prefix> prefix = nextOfFecWalks()) {
         doRebuildPrefix(*prefix);
         continue;
       }
@@ -238,24 +259,18 @@ void IpRouteTableSm::doProcessIpRouteBacklog() {
   clock_->timeMinIs(wakeup);
 }
 
-void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib::Route* known) {
+template <class Family>
+void BasicIpRouteTableSm<Family>::doRebuildPrefix(const Prefix& prefix, const Route* known) {
   IpForwardMib& table = *ipForwardMib();
-  const Pelt::IpAddr dest = prefix.addr();
-  const Pelt::IpAddr mask = maskOfLength(prefix.len());
-  const IpCidrRouteTableIndex firstOfPrefix(dest, mask, 0, Pelt::IpAddr());
-  while (const IpCidrRouteTableEntry* row = table.ipCidrRouteTable().startAtMember(firstOfPrefix)) {
-    if (!(row->dest() == dest && row->mask() == mask)) break;
-    const IpCidrRouteTableIndex index = row->index();
-    table.ipCidrRouteTableDel(index);
-  }
+  Family::rowsDel(table, prefix);
 
-  const Tarn::Fib::Route route = known ? *known : readRoute(prefix);
-  if (route == Tarn::Fib::Route()) {
+  const Route route = known ? *known : readRoute(prefix);
+  if (route == Route()) {
     QTRACE(agentTracer(), 6, prefix << " has no route");
     return;
   }
-  const Tarn::Fib::Fec fec = readFec(route.fecId);
-  if (fec == Tarn::Fib::Fec()) {
+  const Fec fec = readFec(route.fecId);
+  if (fec == Fec()) {
     QTRACE(agentTracer(), 6, prefix << " has a route but can't find fec " << route.fecId);
     return;
   }
@@ -266,9 +281,8 @@ void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib
   const Interface::AllIntfStatusDir& intfStatuses = *intfStatusDir();
   // ViaIndex raises the range failure for a count beyond the 128 vias that a FEC can hold.
   for (U32 i = 0; i < fec.viaCount; ++i) {
-    const Tarn::Fib::Via& via = fec.via(Tarn::Fib::ViaIndex(i));
-    if (!via.intfId && via.hop == Pelt::IpAddr()) continue;  // says nothing
-    const IpCidrRouteTableIndex key(dest, mask, 0, via.hop);
+    const auto& via = fec.via(Tarn::Fib::ViaIndex(i));
+    if (!via.intfId && via.hop == decltype(via.hop)()) continue;  // says nothing
     S32 ifIndex = 0;
     if (via.intfId) {
       Quor::Ptr<const Interface::IntfStatus> status = intfStatuses.intfStatus(via.intfId);
@@ -285,58 +299,73 @@ void IpRouteTableSm::doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib
       }
     }
     try {
-      table.ipCidrRouteTableIs(key, static_cast<U32>(ifIndex), route.metric, route.preference, route.routeType);
+      Family::rowIs(table, prefix, via, static_cast<U32>(ifIndex), route);
     } catch (const Quor::NameInUseException&) {
-      QTRACE(agentTracer(), 8, "Route already in ipCidrRouteTable: " << key);
+      QTRACE(agentTracer(), 8, "Route already in ipCidrRouteTable: " << prefix << " via " << via);
     }
   }
 }
 
-Tarn::Fib::Route IpRouteTableSm::readRoute(const Pelt::Prefix& prefix) const {
-  const Tarn::Fib::RouteStatus::RouteMap& routes = routeStatus()->route();
+template <class Family>
+auto BasicIpRouteTableSm<Family>::readRoute(const Prefix& prefix) const -> Route {
+  const Quor::Ptr<const RouteStatus> status = routeStatus();
+  if (!status) return Route();
+  const typename RouteStatus::RouteMap& routes = status->route();
   try {
     return routes.lookup(prefix).value();
   } catch (const Tarn::CorruptionDetectedException& e) {
     routes.corruptionDetected(e.text());
-    return Tarn::Fib::Route();
+    return Route();
   }
 }
 
-Tarn::Fib::Fec IpRouteTableSm::readFec(Tarn::Fib::FecId fecId) const {
-  const Tarn::Fib::ForwardingStatus::FecMap& fecs = forwardingStatus()->fec();
+template <class Family>
+auto BasicIpRouteTableSm<Family>::readFec(Tarn::Fib::FecId fecId) const -> Fec {
+  const Quor::Ptr<const ForwardingStatus> status = forwardingStatus();
+  if (!status) return Fec();
+  const typename ForwardingStatus::FecMap& fecs = status->fec();
   try {
     return fecs.lookup(fecId).value();
   } catch (const Tarn::CorruptionDetectedException& e) {
     fecs.corruptionDetected(e.text());
-    return Tarn::Fib::Fec();
+    return Fec();
   }
 }
 
-void IpRouteTableSm::quorZombieNested(bool flag) {
+template <class Family>
+void BasicIpRouteTableSm<Family>::quorZombieNested(bool flag) {
   for (Quor::Reactor* input : std::initializer_list<Quor::Reactor*>{ipForwardMib_.ptr(), intfStatusDir_.ptr(),
                                                                      routeStatus_.ptr(), forwardingStatus_.ptr(),
                                                                      clock_.ptr()})
     if (input) input->quorDoZombieReactors(flag);
 }
 
-void IpRouteTableSm::QuorIntfStatusDir::onIntfStatus(const Pelt::IntfId& intfId) {
-  if (ipRouteTableSm_) ipRouteTableSm_->handleIntfStatus(intfId);
+template <class Family>
+void BasicIpRouteTableSm<Family>::QuorIntfStatusDir::onIntfStatus(const Pelt::IntfId& intfId) {
+  if (this->ipRouteTableSm_) this->ipRouteTableSm_->handleIntfStatus(intfId);
 }
 
-void IpRouteTableSm::QuorRouteStatus::onRoute(const Pelt::Prefix& prefix) {
-  if (ipRouteTableSm_) ipRouteTableSm_->handleRoute(prefix);
+template <class Family>
+void BasicIpRouteTableSm<Family>::QuorRouteStatus::onRoute(const Prefix& prefix) {
+  if (this->ipRouteTableSm_) this->ipRouteTableSm_->handleRoute(prefix);
 }
 
-void IpRouteTableSm::QuorForwardingStatus::onFec(const Tarn::Fib::FecId& fecId) {
-  if (ipRouteTableSm_) ipRouteTableSm_->handleFec(fecId);
+template <class Family>
+void BasicIpRouteTableSm<Family>::QuorForwardingStatus::onFec(const Tarn::Fib::FecId& fecId) {
+  if (this->ipRouteTableSm_) this->ipRouteTableSm_->handleFec(fecId);
 }
 
-void IpRouteTableSm::QuorClock::onTime() {
-  if (ipRouteTableSm_) ipRouteTableSm_->doProcessIpRouteBacklog();
+template <class Family>
+void BasicIpRouteTableSm<Family>::QuorClock::onTime() {
+  if (this->ipRouteTableSm_) this->ipRouteTableSm_->doProcessIpRouteBacklog();
 }
 
-void IpRouteTableSm::QuorClock::onNotifierIs() {
-  if (ipRouteTableSm_) ipRouteTableSm_->doProcessIpRouteBacklog();
+template <class Family>
+void BasicIpRouteTableSm<Family>::QuorClock::onNotifierIs() {
+  if (this->ipRouteTableSm_) this->ipRouteTableSm_->doProcessIpRouteBacklog();
 }
+
+template class BasicIpRouteTableSm<Ipv4Routes>;
+template class BasicIpRouteTableSm<Ipv6Routes>;
 
 }  // namespace IpSnmp

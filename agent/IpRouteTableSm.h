@@ -1,6 +1,7 @@
 #pragma once
 // IpRouteTableSm keeps one VRF's ipCidrRouteTable (its IpForwardMib) in step with that VRF's route
-// and forwarding tables in shared memory, without ever holding up the event loop.
+// and forwarding tables in shared memory, without ever holding up the event loop; IpRoute6TableSm,
+// the same machine over the IPv6 tables (RouteFamilies.h), keeps the IPv6 rows of inetCidrRouteTable.
 //
 // It works in two halves. The intake (the reactors on the route table, the forwarding table and the
 // interface directory) only notes what to rebuild and arms the clock; it touches no row. A changed
@@ -33,17 +34,25 @@
 #include <optional>
 #include <unordered_set>
 
-#include "agent/PrefixList.h"
 #include "agent/QuorOutputTable.h"
-#include "model/IpForwardMib.h"
+#include "agent/RouteFamilies.h"
 #include "platform/morvane/IntfStatus.h"
 #include "platform/quor/Clock.h"
-#include "platform/tarn/FecRouteListSm.h"
 
 namespace IpSnmp {
 
-class IpRouteTableSm : public Quor::Reactor {
+template <class Family>
+class BasicIpRouteTableSm : public Quor::Reactor {
  public:
+  using Prefix = typename Family::Prefix;
+  using RouteStatus = typename Family::RouteStatus;
+  using ForwardingStatus = typename Family::ForwardingStatus;
+  using FecRouteListSm = typename Family::FecRouteListSm;
+  using FecRouteList = typename FecRouteListSm::FecRouteList;
+  using PrefixList = typename Family::PrefixList;
+  using Route = typename RouteStatus::Value;
+  using Fec = typename ForwardingStatus::Value;
+
   template <class Notifiee>
   class QuorInput;
   class QuorIntfStatusDir;
@@ -52,8 +61,8 @@ class IpRouteTableSm : public Quor::Reactor {
   class QuorClock;
   using QuorIpForwardMib = QuorOutputTable<IpForwardMib>;
   // The backlog is a set of prefixes under the prefix hash, as a PrefixList is.
-  using QuorBacklog = PrefixList::QuorPrefix;
-  using Backlog = PrefixList::Prefixes;
+  using QuorBacklog = typename PrefixList::QuorPrefix;
+  using Backlog = typename PrefixList::Prefixes;
   using IntfDep = Quor::HashMap<PrefixList, Pelt::IntfId>;
 
   static constexpr double defaultBacklogQuantum = 0.01;
@@ -61,39 +70,38 @@ class IpRouteTableSm : public Quor::Reactor {
   struct Inputs {
     Quor::ValidPtr<IpForwardMib> ipForwardMib;
     Quor::ValidPtr<const Interface::AllIntfStatusDir> intfStatusDir;
-    Quor::ValidPtr<const Tarn::Fib::RouteStatus> routeStatus;
-    Quor::ValidPtr<const Tarn::Fib::ForwardingStatus> forwardingStatus;
+    Quor::ValidPtr<const RouteStatus> routeStatus;
+    Quor::ValidPtr<const ForwardingStatus> forwardingStatus;
     Quor::ValidPtr<const Quor::Clock> clock;
     friend bool operator==(const Inputs&, const Inputs&) = default;
   };
 
   // Makes a reactor on every input, then starts the scan of every route present.
-  explicit IpRouteTableSm(const Inputs& inputs);
+  explicit BasicIpRouteTableSm(const Inputs& inputs);
   // Leaves the rows of ipForwardMib in place.
-  ~IpRouteTableSm() override;
+  ~BasicIpRouteTableSm() override;
 
   Quor::Ptr<IpForwardMib> ipForwardMib() const;
   Quor::Ptr<const Interface::AllIntfStatusDir> intfStatusDir() const;
-  Quor::Ptr<const Tarn::Fib::RouteStatus> routeStatus() const;
-  Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus() const;
+  Quor::Ptr<const RouteStatus> routeStatus() const;
+  Quor::Ptr<const ForwardingStatus> forwardingStatus() const;
   Quor::Ptr<const Quor::Clock> clock() const;
   // The clock reactor, whose timeMin tells the state: +infinity idle, 0.0 scheduled.
   QuorClock* quorClock() const noexcept { return clock_.ptr(); }
 
-  const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList() const noexcept { return fecRouteList_; }
-  Quor::ValidPtr<Tarn::Fib::FecRouteList> fecRouteListIs();
-  const Quor::Ptr<FibUtils::FecRouteListSm>& fecRouteListSm() const noexcept { return fecRouteListSm_; }
-  Quor::ValidPtr<FibUtils::FecRouteListSm> fecRouteListSmIs(
-      const Quor::Ptr<const Tarn::Fib::RouteStatus>& routeStatus,
-      const Quor::Ptr<const Tarn::Fib::ForwardingStatus>& forwardingStatus,
-      const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList);
+  const Quor::Ptr<FecRouteList>& fecRouteList() const noexcept { return fecRouteList_; }
+  Quor::ValidPtr<FecRouteList> fecRouteListIs();
+  const Quor::Ptr<FecRouteListSm>& fecRouteListSm() const noexcept { return fecRouteListSm_; }
+  Quor::ValidPtr<FecRouteListSm> fecRouteListSmIs(const Quor::Ptr<const RouteStatus>& routeStatus,
+                                                  const Quor::Ptr<const ForwardingStatus>& forwardingStatus,
+                                                  const Quor::Ptr<FecRouteList>& fecRouteList);
 
   const Backlog& backlog() const noexcept { return backlog_; }
-  QuorBacklog* backlog(const Pelt::Prefix& prefix) const { return backlog_.member(prefix); }
+  QuorBacklog* backlog(const Prefix& prefix) const { return backlog_.member(prefix); }
   // Marks the prefix; a prefix already marked stays as it is.
-  Quor::ValidPtr<QuorBacklog> backlogIs(const Pelt::Prefix& prefix, bool value);
-  Quor::Ptr<QuorBacklog> backlogDel(const Pelt::Prefix& prefix) { return backlog_.deleteMember(prefix); }
-  Quor::Ptr<QuorBacklog> backlogDel(const Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
+  Quor::ValidPtr<QuorBacklog> backlogIs(const Prefix& prefix, bool value);
+  Quor::Ptr<QuorBacklog> backlogDel(const Prefix& prefix) { return backlog_.deleteMember(prefix); }
+  Quor::Ptr<QuorBacklog> backlogDel(const typename Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
 
   const IntfDep& intfDep() const noexcept { return intfDep_; }
   PrefixList* intfDep(const Pelt::IntfId& intfId) const { return intfDep_.member(intfId); }
@@ -107,15 +115,15 @@ class IpRouteTableSm : public Quor::Reactor {
   // The FECs whose prefixes wait to be rebuilt, oldest change first.
   const std::deque<Tarn::Fib::FecId>& fecWalks() const noexcept { return fecWalks_; }
 
-  const Pelt::Prefix& bookmark() const noexcept { return bookmark_; }
-  void bookmarkIs(const Pelt::Prefix& prefix) noexcept { bookmark_ = prefix; }
+  const Prefix& bookmark() const noexcept { return bookmark_; }
+  void bookmarkIs(const Prefix& prefix) noexcept { bookmark_ = prefix; }
   double backlogQuantum() const noexcept { return backlogQuantum_; }
   void backlogQuantumIs(double seconds) noexcept { backlogQuantum_ = seconds; }
 
   // Intake: each notes prefixes to rebuild and arms the clock. handleRoute() starts the scan of the
   // whole table, handleFec(fecId) a walk of the FEC's prefixes.
   void handleRoute();
-  void handleRoute(const Pelt::Prefix& prefix);
+  void handleRoute(const Prefix& prefix);
   void handleFec(const Tarn::Fib::FecId& fecId);
   void handleIntfStatus(Pelt::IntfId intfId);
 
@@ -132,70 +140,77 @@ class IpRouteTableSm : public Quor::Reactor {
  private:
   // Deletes every row of `prefix` and makes one per usable via of its route's FEC; `route` when the
   // caller has just read it.
-  void doRebuildPrefix(const Pelt::Prefix& prefix, const Tarn::Fib::Route* route = nullptr);
+  void doRebuildPrefix(const Prefix& prefix, const Route* route = nullptr);
   // The next prefix of the FEC walks; none when no walk is left.
-  std::optional<Pelt::Prefix> nextOfFecWalks();
+  std::optional<Prefix> nextOfFecWalks();
   // Rebuilds the route after the scan's position; false when the scan is over or must wait.
   bool doScanStep();
-  Tarn::Fib::Route readRoute(const Pelt::Prefix& prefix) const;
-  Tarn::Fib::Fec readFec(Tarn::Fib::FecId fecId) const;
+  Route readRoute(const Prefix& prefix) const;
+  Fec readFec(Tarn::Fib::FecId fecId) const;
 
   Quor::Ptr<QuorIpForwardMib> ipForwardMib_;
   Quor::Ptr<QuorIntfStatusDir> intfStatusDir_;
   Quor::Ptr<QuorRouteStatus> routeStatus_;
   Quor::Ptr<QuorForwardingStatus> forwardingStatus_;
   Quor::Ptr<QuorClock> clock_;
-  Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList_;
-  Quor::Ptr<FibUtils::FecRouteListSm> fecRouteListSm_;
+  Quor::Ptr<FecRouteList> fecRouteList_;
+  Quor::Ptr<FecRouteListSm> fecRouteListSm_;
   Backlog backlog_;
   std::deque<Tarn::Fib::FecId> fecWalks_;
   std::unordered_set<U64> fecWalking_;  // the FECs of fecWalks_
   bool scanning_ = false;
   Tarn::TarnMapIterator scanAt_;
-  std::optional<Pelt::Prefix> scannedThrough_;  // the last prefix the scan built, none before the first
-  Pelt::Prefix bookmark_;
+  std::optional<Prefix> scannedThrough_;  // the last prefix the scan built, none before the first
+  Prefix bookmark_;
   double backlogQuantum_ = defaultBacklogQuantum;
   IntfDep intfDep_;
 };
 
 // A reactor of the machine on one of its inputs, with the plain back pointer that its handlers take
 // to the machine; the machine clears it when it goes.
+template <class Family>
 template <class Notifiee>
-class IpRouteTableSm::QuorInput : public Notifiee {
+class BasicIpRouteTableSm<Family>::QuorInput : public Notifiee {
  public:
-  explicit QuorInput(IpRouteTableSm* sm) : ipRouteTableSm_(sm) {}
-  void ipRouteTableSmIs(IpRouteTableSm* sm) noexcept { ipRouteTableSm_ = sm; }
+  explicit QuorInput(BasicIpRouteTableSm* sm) : ipRouteTableSm_(sm) {}
+  void ipRouteTableSmIs(BasicIpRouteTableSm* sm) noexcept { ipRouteTableSm_ = sm; }
 
  protected:
-  IpRouteTableSm* ipRouteTableSm_;
+  BasicIpRouteTableSm* ipRouteTableSm_;
 };
 
-class IpRouteTableSm::QuorIntfStatusDir final : public QuorInput<Interface::AllIntfStatusDir::NotifieeConst> {
+template <class Family>
+class BasicIpRouteTableSm<Family>::QuorIntfStatusDir final
+    : public QuorInput<Interface::AllIntfStatusDir::NotifieeConst> {
  public:
-  using QuorInput::QuorInput;
+  using QuorInput<Interface::AllIntfStatusDir::NotifieeConst>::QuorInput;
   void onIntfStatus(const Pelt::IntfId& intfId) override;
   // Binding is no reason to scan: only notifications by interface count.
   void onIntfStatusquorImmediate() override {}
 };
 
-class IpRouteTableSm::QuorRouteStatus final : public QuorInput<Tarn::Fib::RouteStatus::NotifieeConst> {
+template <class Family>
+class BasicIpRouteTableSm<Family>::QuorRouteStatus final : public QuorInput<typename RouteStatus::NotifieeConst> {
  public:
-  using QuorInput::QuorInput;
-  void onRoute(const Pelt::Prefix& prefix) override;
+  using QuorInput<typename RouteStatus::NotifieeConst>::QuorInput;
+  void onRoute(const Prefix& prefix) override;
   // The constructor's pass reads the table; a mount is no reason to scan it again here.
   void onRoutequorImmediate() override {}
 };
 
-class IpRouteTableSm::QuorForwardingStatus final : public QuorInput<Tarn::Fib::ForwardingStatus::NotifieeConst> {
+template <class Family>
+class BasicIpRouteTableSm<Family>::QuorForwardingStatus final
+    : public QuorInput<typename ForwardingStatus::NotifieeConst> {
  public:
-  using QuorInput::QuorInput;
+  using QuorInput<typename ForwardingStatus::NotifieeConst>::QuorInput;
   void onFec(const Tarn::Fib::FecId& fecId) override;
   void onFecquorImmediate() override {}
 };
 
-class IpRouteTableSm::QuorClock final : public QuorInput<Quor::Clock::NotifieeConst> {
+template <class Family>
+class BasicIpRouteTableSm<Family>::QuorClock final : public QuorInput<Quor::Clock::NotifieeConst> {
  public:
-  using QuorInput::QuorInput;
+  using QuorInput<Quor::Clock::NotifieeConst>::QuorInput;
   void onTime() override;
 
  protected:
@@ -203,5 +218,10 @@ class IpRouteTableSm::QuorClock final : public QuorInput<Quor::Clock::NotifieeCo
   // not set yet, and the pass waits for the clock.
   void onNotifierIs() override;
 };
+
+using IpRouteTableSm = BasicIpRouteTableSm<Ipv4Routes>;
+using IpRoute6TableSm = BasicIpRouteTableSm<Ipv6Routes>;
+extern template class BasicIpRouteTableSm<Ipv4Routes>;
+extern template class BasicIpRouteTableSm<Ipv6Routes>;
 
 }  // namespace IpSnmp

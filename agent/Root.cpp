@@ -6,6 +6,7 @@ Root::~Root() {
   ipAddressTableSmDel();
   arpTableSmDel();
   ipRouteTableSmDel();
+  ipRoute6TableSmDel();
   vrfIfTableSmDel();
   vrfRootSmDel();
   if (vrfRootDir_) vrfRootDir_->parentIs(nullptr);

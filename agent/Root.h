@@ -16,7 +16,7 @@ namespace IpSnmp {
 class Root : public Quor::Entity, public VrfMachines {
  public:
   using Entity::Entity;
-  // Deletes the machines in the order ipAddressTableSm, arpTableSm, ipRouteTableSm, vrfIfTableSm,
+  // Deletes the machines in the order ipAddressTableSm, arpTableSm, ipRouteTableSm, ipRoute6TableSm, vrfIfTableSm,
   // vrfRootSm, vrfRootDir.
   ~Root() override;
   const char* fwkType() const override { return "IpSnmp::Root"; }

@@ -5,6 +5,7 @@ namespace IpSnmp {
 VrfRoot::~VrfRoot() {
   arpTableSmDel();
   ipRouteTableSmDel();
+  ipRoute6TableSmDel();
 }
 
 Quor::Ptr<VrfRootDir> vrfRootDirFactory(const Quor::Name& name) { return Quor::makePtr<VrfRootDir>(name); }

@@ -115,12 +115,14 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
   try {
     QuorTarn::Mount mount(entityManager_, "");
     mount.handleInitialized();
-    const std::string routePath = formatted(Tarn::Fib::vrfRoutePathFormat, name);
-    const std::string forwardingPath = formatted(Tarn::Fib::vrfForwardingPathFormat, name);
-    mount.doMount(routePath, "Tarn::Fib::RouteStatus", Tarn::Fib::TableInfo::routeInfo());
-    auto routeStatus = Quor::dynamicPtrCast<const Tarn::Fib::RouteStatus>(mount.getEntity(routePath));
-    mount.doMount(forwardingPath, "Tarn::Fib::ForwardingStatus", Tarn::Fib::TableInfo::forwardingInfo());
-    auto forwardingStatus = Quor::dynamicPtrCast<const Tarn::Fib::ForwardingStatus>(mount.getEntity(forwardingPath));
+    using namespace Tarn::Fib;
+    auto routeStatus = QuorTarn::mountedAs<RouteStatus>(mount, formatted(vrfRoutePathFormat, name), TableInfo::routeInfo());
+    auto forwardingStatus = QuorTarn::mountedAs<ForwardingStatus>(mount, formatted(vrfForwardingPathFormat, name),
+                                                                  TableInfo::forwardingInfo());
+    auto route6Status =
+        QuorTarn::mountedAs<Route6Status>(mount, formatted(vrfRoute6PathFormat, name), TableInfo::route6Info());
+    auto forwarding6Status = QuorTarn::mountedAs<Forwarding6Status>(mount, formatted(vrfForwarding6PathFormat, name),
+                                                                    TableInfo::forwarding6Info());
 
     Quor::ValidPtr<VrfRoot> root = vrfRootDir_->vrfRootIs(name);
     vrfRootIs(Quor::Ptr<const VrfRoot>(root.ptr()));
@@ -139,6 +141,11 @@ void VrfRootSm::doVrfBringUp(const Quor::Name& name, bool populateArp) {
                             .routeStatus = routeStatus,
                             .forwardingStatus = forwardingStatus,
                             .clock = Quor::activityManager()->clock()});
+    root->ipRoute6TableSmIs({.ipForwardMib = ipForwardMib,
+                             .intfStatusDir = intfStatusDir,
+                             .routeStatus = route6Status,
+                             .forwardingStatus = forwarding6Status,
+                             .clock = Quor::activityManager()->clock()});
     if (populateArp) arp->populate();
 
     ipAddressTableSm_->vrfIpMibIs(ipMib);
@@ -198,8 +205,9 @@ void VrfRootSm::doVrfDown(const Quor::Name& name) {
   try {
     QuorTarn::Mount mount(entityManager_, "");
     mount.handleInitialized();
-    mount.doUnmount(formatted(Tarn::Fib::vrfRoutePathFormat, name));
-    mount.doUnmount(formatted(Tarn::Fib::vrfForwardingPathFormat, name));
+    for (const char* format : {Tarn::Fib::vrfRoutePathFormat, Tarn::Fib::vrfForwardingPathFormat,
+                               Tarn::Fib::vrfRoute6PathFormat, Tarn::Fib::vrfForwarding6PathFormat})
+      mount.doUnmount(formatted(format, name));
   } catch (const Quor::RangeException&) {
     // A name that makes no mount path has nothing mounted.
   }

@@ -1,6 +1,8 @@
 #pragma once
 // The kinds of index component that a table's hint reads: the ASN type that the varbind must have,
 // and the reverse conversion of its value. A conversion may raise Quor::RangeException.
+#include <string>
+
 #include "frontend/Conversions.h"
 #include "frontend/ElementaryConversions.h"
 #include "platform/quor/Exception.h"
@@ -38,5 +40,17 @@ struct IpAddressComponent {
   static Value parse(netsnmp_variable_list& var) {
     if (var.val_len != 4) Quor::throwRangeException("IpAddress of " + std::to_string(var.val_len) + " bytes");
     return AsnIpAddressToPeltIpAddr(var.val.string);
+  }
+};
+
+// An object identifier, in its dotted form ("0.0").
+struct ObjectIdComponent {
+  using Value = std::string;
+  static constexpr u_char type = ASN_OBJECT_ID;
+  static Value parse(netsnmp_variable_list& var) {
+    std::string dotted;
+    for (std::size_t i = 0; i < var.val_len / sizeof(oid); ++i)
+      dotted += (i ? "." : "") + std::to_string(var.val.objid[i]);
+    return dotted;
   }
 };

@@ -1,5 +1,6 @@
-// IpForward serves the IPv4 routes of a context: ipCidrRouteNumber, their count, and
-// ipCidrRouteTable, one row per next hop. The store has no value for several columns of the MIB;
+// IpForward serves the routes of a context: ipCidrRouteNumber, the count of the IPv4 rows, and
+// ipCidrRouteTable, one row per next hop of an IPv4 route; inetCidrRouteNumber, the count of the rows of
+// both versions, and inetCidrRouteTable (InetCidrRouteTable.cpp). The store has no value for several columns of the MIB;
 // those are fixed numbers on every row (type 1, status 1, age and metrics 3 to 5 of -1, no next-hop
 // AS, info 0.0), and the type of service is 0 in the index and in its column whatever the key holds.
 // The route's administrative preference is served as ipCidrRouteMetric2. The table is registered
@@ -10,6 +11,7 @@
 
 #include "frontend/Conversions.h"
 #include "frontend/ElementaryConversions.h"
+#include "frontend/RouteColumns.h"
 #include "frontend/ScalarHandler.h"
 #include "frontend/TableRegistration.h"
 #include "frontend/UnitRegistration.h"
@@ -23,19 +25,33 @@ const Quor::Tracer tracer{"Snmp", "IpForward"};
 
 const oid ipCidrRouteNumber_oid[] = {1, 3, 6, 1, 2, 1, 4, 24, 3};
 const oid ipCidrRouteTable_oid[] = {1, 3, 6, 1, 2, 1, 4, 24, 4};
+const oid inetCidrRouteNumber_oid[] = {1, 3, 6, 1, 2, 1, 4, 24, 6};
 
-constexpr const char* defaultPath = "snmp/ip/ipforwardmib";
-constexpr const char* contextPathFormat = "snmp/ip/vrf.mibs/%s.ipforwardmib";
-constexpr int unknownMetric = -1;
+constexpr const char* defaultPath = ipForwardMibDefaultPath;
+constexpr const char* contextPathFormat = ipForwardMibContextPathFormat;
+constexpr int unknownAge = -1;
 
 const ScalarText ipCidrRouteNumberText{"handle_ipCidrRouteNumber", "ipCidrRouteNumber", defaultPath,
                                        "IpSnmp::IpForwardMib",     "ipCidrRouteTables", "S32ToAsnInteger",
                                        ASN_GAUGE};
 
+const ScalarText inetCidrRouteNumberText{"handle_inetCidrRouteNumber", "inetCidrRouteNumber", defaultPath,
+                                         "IpSnmp::IpForwardMib",       "inetCidrRouteTable",  "U32ToAsnUnsigned",
+                                         ASN_GAUGE};
+
 int readRouteCount(const void* mib, unsigned char* buffer, int size) {
   const auto routes = static_cast<const IpSnmp::IpForwardMib*>(mib)->ipCidrRouteTables();
   return SnmpConvert<int, S32ToAsnIntegerF>(static_cast<int>(routes), buffer, size);
 }
+
+int readInetRouteCount(const void* mib, unsigned char* buffer, int size) {
+  const auto routes = static_cast<const IpSnmp::IpForwardMib*>(mib)->inetCidrRouteTable().members();
+  return SnmpConvert<unsigned int, U32ToAsnUnsignedF>(static_cast<unsigned int>(routes), buffer, size);
+}
+
+// The scalar `name` of the unit in `context`, reading its context's container.
+void registerRouteNumber(const char* name, Netsnmp_Node_Handler* handler, std::span<const oid> root,
+                         const Quor::String8& context);
 
 struct IpCidrRouteTableTraits {
   using Container = IpSnmp::IpForwardMib;
@@ -74,24 +90,18 @@ ColumnValue IpCidrRouteTableTraits::column(int colnum, const Row& row, unsigned 
     case 2: return ipAddressValue(row.mask(), buffer, "PeltIpAddrToAsnOctetString failed for: mask");
     case 3: return integerValue(0, buffer, "S32ToAsnInteger failed for: tos");
     case 4: return ipAddressValue(row.nextHop(), buffer, "PeltIpAddrToAsnOctetString failed for: nextHop");
-    case 5: return integerValue(static_cast<int>(row.ifIndex()), buffer, "S32ToAsnInteger failed for: ifIndex");
-    case 7:
-      return {ASN_INTEGER, RouteTypeToAsnInteger(row.protocol(), buffer, 1024),
-              "RouteTypeToAsnInteger failed for: protocol"};
+    case 8: return integerValue(unknownAge, buffer, "S32ToAsnInteger failed for: ");
     case 9:
       return {ASN_OBJECT_ID, SnmpConvert<const Quor::String8&, StringToAsnOidF>("0.0", buffer, 1024),
               "StringToAsnOid failed for: "};
-    case 11:
-      return {ASN_INTEGER, RouteMetricToAsnInteger(row.metric(), buffer, 1024),
-              "RouteMetricToAsnInteger failed for: metric"};
-    case 12: return integerValue(row.preference().value(), buffer, "S32ToAsnInteger failed for: preference");
-    case 8:
-    case 13:
-    case 14:
-    case 15: return integerValue(unknownMetric, buffer, "S32ToAsnInteger failed for: ");
     case 10: return integerValue(0, buffer, "S32ToAsnInteger failed for: ");
-    default: return integerValue(1, buffer, "S32ToAsnInteger failed for: ");  // 6 type, 16 status
+    default: break;
   }
+  // 5 to 7 and 11 to 16, in the order of RouteColumn.
+  static constexpr RouteColumn shared[] = {RouteColumn::ifIndex, RouteColumn::type,    RouteColumn::proto,
+                                           RouteColumn::metric1, RouteColumn::metric2, RouteColumn::metric3,
+                                           RouteColumn::metric4, RouteColumn::metric5, RouteColumn::status};
+  return routeColumnValue(shared[colnum <= 7 ? colnum - 5 : colnum - 8], row, buffer);
 }
 
 // The columns that the MIB lets a manager write.
@@ -120,13 +130,10 @@ void init_IpForward(Quor::String8 context) {
   debugUnitInit("IpForward", __func__, __FILE__, __LINE__, context);
   QTRACE(tracer, 1, "init_IpForward initializing oid " << oidText(ipCidrRouteNumber_oid) << " in context \""
                                                        << context << "\"");
-  Snmp::HandlerRegistrationPtr number = newScalarRegistration(
-      "ipCidrRouteNumber_", handle_ipCidrRouteNumber, ipCidrRouteNumber_oid, HANDLER_CAN_RONLY, context);
-  const Quor::String8 path =
-      context.empty() ? Quor::String8(defaultPath) : Quor::format(contextPathFormat, context.str().c_str());
-  number->my_reg_void = entityAs<IpSnmp::IpForwardMib>(SnmpUtil::getEntityRelative(path.str().c_str()).ptr());
-  registrations.scalarIs(context, number.release());
+  registerRouteNumber("ipCidrRouteNumber_", handle_ipCidrRouteNumber, ipCidrRouteNumber_oid, context);
   initialize_table_ipCidrRouteTable(context);
+  registerRouteNumber("inetCidrRouteNumber_", handle_inetCidrRouteNumber, inetCidrRouteNumber_oid, context);
+  initialize_table_inetCidrRouteTable(context);
 }
 
 void unregister_IpForward(Quor::String8 context) { registrations.unregisterContext(context); }
@@ -146,4 +153,24 @@ int handle_ipCidrRouteNumber(netsnmp_mib_handler*, netsnmp_handler_registration*
   return handleScalar(tracer, ipCidrRouteNumberText, readRouteCount, reginfo, reqinfo, requests);
 }
 
-const ContextRegistrations& ipForwardRegistrations() { return registrations; }
+int handle_inetCidrRouteNumber(netsnmp_mib_handler*, netsnmp_handler_registration* reginfo,
+                               netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
+  FLITLOG_BLOCK("IpForward", "int handle_inetCidrRouteNumber(netsnmp_mib_handler*, netsnmp_handler_registration*, "
+                             "netsnmp_agent_request_info*, netsnmp_request_info*)");
+  return handleScalar(tracer, inetCidrRouteNumberText, readInetRouteCount, reginfo, reqinfo, requests);
+}
+
+ContextRegistrations& ipForwardRegistrations() { return registrations; }
+
+namespace {
+
+void registerRouteNumber(const char* name, Netsnmp_Node_Handler* handler, std::span<const oid> root,
+                         const Quor::String8& context) {
+  Snmp::HandlerRegistrationPtr number = newScalarRegistration(name, handler, root, HANDLER_CAN_RONLY, context);
+  const Quor::String8 path =
+      context.empty() ? Quor::String8(defaultPath) : Quor::format(contextPathFormat, context.str().c_str());
+  number->my_reg_void = entityAs<IpSnmp::IpForwardMib>(SnmpUtil::getEntityRelative(path.str().c_str()).ptr());
+  registrations.scalarIs(context, number.release());
+}
+
+}  // namespace

@@ -3,16 +3,23 @@
 #include <algorithm>
 
 #include "frontend/ElementaryConversions.h"
+#include "frontend/UnitRegistration.h"
 
 namespace {
 
 constexpr int indexBufferSize = 1024;
 constexpr int columnBufferSize = 1024;
 
+// `value()` is called only when the trace is on.
+template <class Value>
+void traceIndexValueOf(const char* table, const char* field, Value value) {
+  if (table)
+    QTRACE(tableTracer(), 2, table << "IterationHelper - iterator has another value: " << field << "=" << value());
+}
+
 template <class V>
 void traceIndexValue(const char* table, const char* field, const V& value) {
-  if (table)
-    QTRACE(tableTracer(), 2, table << "IterationHelper - iterator has another value: " << field << "=" << value);
+  traceIndexValueOf(table, field, [&] { return value; });
 }
 
 }  // namespace
@@ -58,6 +65,16 @@ void IndexWriter::ipAddress(const char* field, Pelt::IpAddr value) {
   unsigned char buffer[indexBufferSize];
   set(ASN_PRIV_IMPLIED_OCTET_STR, buffer,
       SnmpConvert<const Pelt::IpAddr&, PeltIpAddrToAsnOctetStringF>(value, buffer, sizeof buffer));
+}
+
+void IndexWriter::octets(const char* field, const U8* bytes, unsigned length) {
+  traceIndexValueOf(table_, field, [&] { return Snmp::String(bytes, length); });
+  set(ASN_OCTET_STR, bytes, static_cast<int>(length));
+}
+
+void IndexWriter::objectId(const char* field, std::span<const oid> value) {
+  traceIndexValueOf(table_, field, [&] { return oidText(value); });
+  set(ASN_OBJECT_ID, reinterpret_cast<const unsigned char*>(value.data()), static_cast<int>(value.size_bytes()));
 }
 
 void IndexWriter::set(u_char type, const unsigned char* bytes, int length) {

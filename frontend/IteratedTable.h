@@ -24,6 +24,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -67,6 +68,10 @@ class IndexWriter {
   void octets(const char* field, const Snmp::String& value, int bufferSize);   // ASN_OCTET_STR
   // An IPv4 address as an implied string: its four octets, with no length in front.
   void ipAddress(const char* field, Pelt::IpAddr value);
+  // `length` octets as a string: the length, then the octets.
+  void octets(const char* field, const U8* bytes, unsigned length);
+  // An object identifier: its length, then its sub-identifiers.
+  void objectId(const char* field, std::span<const oid> value);
 
  private:
   void set(u_char type, const unsigned char* bytes, int length);

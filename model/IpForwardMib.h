@@ -1,19 +1,22 @@
 #pragma once
-// The forwarding table of one VRF: the rows of ipCidrRouteTable, whose count is ipCidrRouteNumber.
-#include "model/IpCidrRouteTableEntry.h"
+// The forwarding table of one VRF: the rows of ipCidrRouteTable, whose count is ipCidrRouteNumber,
+// and the IPv6 rows that inetCidrRouteTable shows after them (InetCidrRouteView.h).
+#include "model/InetCidrRouteView.h"
 #include "platform/quor/Entity.h"
 
 namespace IpSnmp {
 
 class IpForwardMib : public Quor::Entity {
  public:
-  using IpCidrRouteTable = Quor::RbTreeMap<IpCidrRouteTableEntry, IpCidrRouteTableIndex>;
+  using IpCidrRouteTable = IpSnmp::IpCidrRouteTable;
+  using InetCidrRoute6Table = IpSnmp::InetCidrRoute6Table;
   using IpCidrRouteTableIterator = IpCidrRouteTable::Iterator;
   using IpCidrRouteTableIteratorConst = IpCidrRouteTable::IteratorConst;
 
   class NotifieeConst : public Quor::Notifiee<IpForwardMib> {
    public:
     virtual void onIpCidrRouteTable(const IpCidrRouteTableIndex&) {}
+    virtual void onInetCidrRoute6Table(const InetCidrRoute6Index&) {}
   };
 
   using Entity::Entity;
@@ -41,8 +44,25 @@ class IpForwardMib : public Quor::Entity {
   // The row count, which is the value of ipCidrRouteNumber.
   std::size_t ipCidrRouteTables() const noexcept { return ipCidrRouteTable_.members(); }
 
+  const InetCidrRoute6Table& inetCidrRoute6Table() const noexcept { return inetCidrRoute6Table_; }
+  InetCidrRoute6Entry* inetCidrRoute6Table(const InetCidrRoute6Index& key) const {
+    return inetCidrRoute6Table_.member(key);
+  }
+  // As ipCidrRouteTableIs, for an IPv6 row.
+  Quor::ValidPtr<InetCidrRoute6Entry> inetCidrRoute6TableIs(const InetCidrRoute6Index& key, U32 ifIndex,
+                                                            Routing::RouteMetric metric,
+                                                            Routing::RoutePreference preference,
+                                                            Routing::Fib::RouteType protocol);
+  Quor::Ptr<InetCidrRoute6Entry> inetCidrRoute6TableDel(const InetCidrRoute6Index& key);
+  void inetCidrRoute6TableDelAll();
+  void inetCidrRoute6TableNotify(const InetCidrRoute6Index& key) const;
+
+  // Every row of both families in the order of inetCidrRouteTable; its size is inetCidrRouteNumber.
+  InetCidrRouteView inetCidrRouteTable() const noexcept { return {ipCidrRouteTable_, inetCidrRoute6Table_}; }
+
  private:
   IpCidrRouteTable ipCidrRouteTable_;
+  InetCidrRoute6Table inetCidrRoute6Table_;
 };
 
 }  // namespace IpSnmp

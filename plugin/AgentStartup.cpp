@@ -17,14 +17,9 @@ Quor::Ptr<Container> containerIn(const Quor::Ptr<Quor::Dir>& dir, const char* na
   return container;
 }
 
-template <class Table>
-Quor::Ptr<const Table> mounted(QuorTarn::Mount& mount, const char* path, const QuorTarn::MountInfo& info) {
-  mount.doMount(path, Table::typeName, info);
-  return Quor::dynamicPtrCast<const Table>(mount.getEntity(path));
-}
-
-const char* const defaultTablePaths[] = {Tarn::Fib::defaultRoutePath, Tarn::Fib::defaultForwardingPath,
-                                         Arp::Table::statusPath, Vrf::VrfIdMap::statusPath};
+const char* const defaultTablePaths[] = {Tarn::Fib::defaultRoutePath,  Tarn::Fib::defaultForwardingPath,
+                                         Tarn::Fib::defaultRoute6Path, Tarn::Fib::defaultForwarding6Path,
+                                         Arp::Table::statusPath,       Vrf::VrfIdMap::statusPath};
 
 }  // namespace
 
@@ -42,13 +37,17 @@ AgentStartup::AgentStartup(const Quor::Ptr<Quor::Dir>& rootDir, const Morvane::S
 
   QuorTarn::Mount mount(entityManager, "");
   mount.handleInitialized();
-  auto routeStatus = mounted<Tarn::Fib::RouteStatus>(mount, Tarn::Fib::defaultRoutePath,
+  auto routeStatus = QuorTarn::mountedAs<Tarn::Fib::RouteStatus>(mount, Tarn::Fib::defaultRoutePath,
                                                      Tarn::Fib::TableInfo::routeInfo());
-  auto forwardingStatus = mounted<Tarn::Fib::ForwardingStatus>(mount, Tarn::Fib::defaultForwardingPath,
+  auto forwardingStatus = QuorTarn::mountedAs<Tarn::Fib::ForwardingStatus>(mount, Tarn::Fib::defaultForwardingPath,
                                                                Tarn::Fib::TableInfo::forwardingInfo());
+  auto route6Status = QuorTarn::mountedAs<Tarn::Fib::Route6Status>(mount, Tarn::Fib::defaultRoute6Path,
+                                                                 Tarn::Fib::TableInfo::route6Info());
+  auto forwarding6Status = QuorTarn::mountedAs<Tarn::Fib::Forwarding6Status>(
+      mount, Tarn::Fib::defaultForwarding6Path, Tarn::Fib::TableInfo::forwarding6Info());
   auto arpTarn =
-      mounted<Arp::Table::Status>(mount, Arp::Table::statusPath, Arp::Table::TableInfo::arpInfo());
-  auto vrfIdMap = mounted<Vrf::VrfIdMap::Status>(mount, Vrf::VrfIdMap::statusPath,
+      QuorTarn::mountedAs<Arp::Table::Status>(mount, Arp::Table::statusPath, Arp::Table::TableInfo::arpInfo());
+  auto vrfIdMap = QuorTarn::mountedAs<Vrf::VrfIdMap::Status>(mount, Vrf::VrfIdMap::statusPath,
                                                  Vrf::VrfIdMap::TableInfo::vrfIdMapInfo());
 
   root = IpSnmp::rootFactory(Quor::Name("ipsnmp"));
@@ -68,6 +67,11 @@ AgentStartup::AgentStartup(const Quor::Ptr<Quor::Dir>& rootDir, const Morvane::S
                           .routeStatus = routeStatus,
                           .forwardingStatus = forwardingStatus,
                           .clock = Quor::activityManager()->clock()});
+  root->ipRoute6TableSmIs({.ipForwardMib = ipForwardMib,
+                           .intfStatusDir = store.intfStatusDir,
+                           .routeStatus = route6Status,
+                           .forwardingStatus = forwarding6Status,
+                           .clock = Quor::activityManager()->clock()});
   auto vrfInterfaces =
       root->vrfIfTableSmIs({.ipVrfMib = ipVrfMib, .intfStatusDir = store.intfStatusDir, .config = store.ipConfig});
   root->vrfRootSmIs({.ipAddressTableSm = addresses,

@@ -8,6 +8,8 @@
 //   route del PREFIX
 //   fec put FEC-ID [HOP@INTERFACE ...]                    e.g. 10.0.0.1@Ethernet1, 0.0.0.0@Vlan10, 10.0.0.9@
 //   fec del FEC-ID
+//   route6 put PREFIX FEC-ID [...] | route6 del PREFIX      the IPv6 tables, as route and fec
+//   fec6 put FEC-ID [HOP@INTERFACE ...] | fec6 del FEC-ID   e.g. fe80::1@Ethernet1, ::@Vlan10
 //   arp put VRF-ID INTERFACE ADDRESS MAC [static]
 //   arp del VRF-ID INTERFACE ADDRESS
 //   vrf put VRF-ID NAME
@@ -98,6 +100,8 @@ class Tables {
   void commit() {
     if (routes_) routes_->commit();
     if (fecs_) fecs_->commit();
+    if (routes6_) routes6_->commit();
+    if (fecs6_) fecs6_->commit();
     if (arp_) arp_->commit();
     if (vrfIds_) vrfIds_->commit();
   }
@@ -107,12 +111,13 @@ class Tables {
     if (!routes_) routes_ = writerOf<Tarn::Fib::RouteCodec>(file(Tarn::Fib::routePathOf(vrf_), "route"), Tarn::usualRoutes);
     return *routes_;
   }
-  Tarn::Fib::FecWriter& fecs() {
-    if (!fecs_) fecs_ = std::make_unique<Tarn::Fib::FecWriter>(file(Tarn::Fib::forwardingPathOf(vrf_), "fec"),
-                                                               Tarn::Fib::FecWriter::defaultMaxFecs,
-                                                               Tarn::Fib::FecWriter::defaultMaxChunks, lockWait);
-    return *fecs_;
+  Tarn::Fib::FecWriter& fecs() { return fecWriter(fecs_, Tarn::Fib::forwardingPathOf(vrf_)); }
+  Tarn::RecordWriter<Tarn::Fib::Route6Codec>& routes6() {
+    if (!routes6_)
+      routes6_ = writerOf<Tarn::Fib::Route6Codec>(file(Tarn::Fib::route6PathOf(vrf_), "route"), Tarn::usualRoutes);
+    return *routes6_;
   }
+  Tarn::Fib::Fec6Writer& fecs6() { return fecWriter(fecs6_, Tarn::Fib::forwarding6PathOf(vrf_)); }
   Tarn::RecordWriter<Arp::Table::ArpCodec>& arp() {
     if (!arp_) arp_ = writerOf<Arp::Table::ArpCodec>(file(Arp::Table::statusPath, "arpEntry"), Tarn::usualArpEntries);
     return *arp_;
@@ -123,10 +128,20 @@ class Tables {
   }
 
  private:
+  template <class Writer>
+  Writer& fecWriter(std::unique_ptr<Writer>& writer, const std::string& mountPath) {
+    if (!writer)
+      writer = std::make_unique<Writer>(file(mountPath, "fec"), Tarn::Fib::FecWriter::defaultMaxFecs,
+                                        Tarn::Fib::FecWriter::defaultMaxChunks, lockWait);
+    return *writer;
+  }
+
   std::string root_;
   L3::VrfName vrf_;
   std::unique_ptr<Tarn::RecordWriter<Tarn::Fib::RouteCodec>> routes_;
   std::unique_ptr<Tarn::Fib::FecWriter> fecs_;
+  std::unique_ptr<Tarn::RecordWriter<Tarn::Fib::Route6Codec>> routes6_;
+  std::unique_ptr<Tarn::Fib::Fec6Writer> fecs6_;
   std::unique_ptr<Tarn::RecordWriter<Arp::Table::ArpCodec>> arp_;
   std::unique_ptr<Tarn::RecordWriter<Vrf::VrfIdMap::VrfEntryCodec>> vrfIds_;
 };
@@ -134,16 +149,17 @@ class Tables {
 // A command checked and ready to write.
 using Write = std::function<void(Tables&)>;
 
-Write routeCommand(const std::vector<std::string>& w) {
-  const char* usage = "route put PREFIX FEC-ID [metric=N] [preference=N] [type=N] | route del PREFIX";
+// A route command of the table that `table` opens, whose routes are `Route`s.
+template <class Route, class Table>
+Write routeCommand(const std::vector<std::string>& w, const char* usage, Table table) {
   arity(w, 3, 7, usage);
-  Pelt::Prefix prefix = parsed<Pelt::Prefix>(w[2], "prefix");
+  const auto prefix = parsed<decltype(Route::prefix)>(w[2], "prefix");
   if (w[1] == "del") {
     arity(w, 3, 3, usage);
-    return [prefix](Tables& t) { t.routes().erase(prefix); };
+    return [prefix, table](Tables& t) { (t.*table)().erase(prefix); };
   }
   if (w[1] != "put" || w.size() < 4) bad(std::string("usage: ") + usage);
-  Tarn::Fib::Route route;
+  Route route;
   route.prefix = prefix;
   route.fecId = Tarn::Fib::FecId(number(w[3], "FEC id", ~U64(0)));
   route.routeType = Routing::Fib::routeTypeConnected;
@@ -159,26 +175,27 @@ Write routeCommand(const std::vector<std::string>& w) {
     else
       bad("unknown route attribute '" + w[i] + "' (metric=, preference=, type=)");
   }
-  return [route](Tables& t) { t.routes().put(route); };
+  return [route, table](Tables& t) { (t.*table)().put(route); };
 }
 
-Write fecCommand(const std::vector<std::string>& w) {
-  const char* usage = "fec put FEC-ID [HOP@INTERFACE ...] | fec del FEC-ID";
-  arity(w, 3, 3 + Tarn::Fib::Fec::maxVias, usage);
+// A FEC command of the table that `table` opens, whose FECs are `Fec`s.
+template <class Fec, class Table>
+Write fecCommand(const std::vector<std::string>& w, const char* usage, Table table) {
+  arity(w, 3, 3 + Fec::maxVias, usage);
   Tarn::Fib::FecId id(number(w[2], "FEC id", ~U64(0)));
   if (w[1] == "del") {
     arity(w, 3, 3, usage);
-    return [id](Tables& t) { t.fecs().erase(id); };
+    return [id, table](Tables& t) { (t.*table)().erase(id); };
   }
   if (w[1] != "put") bad(std::string("usage: ") + usage);
-  auto fec = std::make_shared<Tarn::Fib::Fec>();
+  auto fec = std::make_shared<Fec>();
   fec->fecId = id;
   for (std::size_t i = 3; i < w.size(); ++i) {
     std::size_t at = w[i].find('@');
     if (at == std::string::npos) bad("bad via '" + w[i] + "' (HOP@INTERFACE)");
-    fec->viaAdd(Tarn::Fib::Via{parsed<Pelt::IpAddr>(w[i].substr(0, at), "next hop"), interface(w[i].substr(at + 1))});
+    fec->viaAdd({parsed<decltype(Fec::Via::hop)>(w[i].substr(0, at), "next hop"), interface(w[i].substr(at + 1))});
   }
-  return [fec](Tables& t) { t.fecs().put(*fec); };
+  return [fec, table](Tables& t) { (t.*table)().put(*fec); };
 }
 
 Write arpCommand(const std::vector<std::string>& w) {
@@ -211,18 +228,27 @@ Write vrfCommand(const std::vector<std::string>& w) {
 }
 
 Write command(const std::vector<std::string>& w) {
-  if (w.size() < 2) bad("a command is a table (route, fec, arp, vrf), put or del, and its values");
-  if (w[0] == "route") return routeCommand(w);
-  if (w[0] == "fec") return fecCommand(w);
+  if (w.size() < 2) bad("a command is a table (route, fec, route6, fec6, arp, vrf), put or del, and its values");
+  if (w[0] == "route")
+    return routeCommand<Tarn::Fib::Route>(
+        w, "route put PREFIX FEC-ID [metric=N] [preference=N] [type=N] | route del PREFIX", &Tables::routes);
+  if (w[0] == "fec")
+    return fecCommand<Tarn::Fib::Fec>(w, "fec put FEC-ID [HOP@INTERFACE ...] | fec del FEC-ID", &Tables::fecs);
+  if (w[0] == "route6")
+    return routeCommand<Tarn::Fib::Route6>(
+        w, "route6 put PREFIX FEC-ID [metric=N] [preference=N] [type=N] | route6 del PREFIX", &Tables::routes6);
+  if (w[0] == "fec6")
+    return fecCommand<Tarn::Fib::Fec6>(w, "fec6 put FEC-ID [HOP@INTERFACE ...] | fec6 del FEC-ID", &Tables::fecs6);
   if (w[0] == "arp") return arpCommand(w);
   if (w[0] == "vrf") return vrfCommand(w);
-  bad("unknown table '" + w[0] + "' (route, fec, arp, vrf)");
+  bad("unknown table '" + w[0] + "' (route, fec, route6, fec6, arp, vrf)");
 }
 
 int usage() {
   std::cerr << "usage: ipsnmp-tarn [--root DIR] [--vrf NAME] (COMMAND... | -f FILE)\n"
                "  route put PREFIX FEC-ID [metric=N] [preference=N] [type=N] | route del PREFIX\n"
                "  fec put FEC-ID [HOP@INTERFACE ...] | fec del FEC-ID\n"
+               "  route6 ... | fec6 ...: the same for the IPv6 tables\n"
                "  arp put VRF-ID INTERFACE ADDRESS MAC [static] | arp del VRF-ID INTERFACE ADDRESS\n"
                "  vrf put VRF-ID NAME | vrf del VRF-ID\n";
   return 2;

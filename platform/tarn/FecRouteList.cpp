@@ -6,53 +6,66 @@
 namespace Tarn::Fib {
 
 namespace {
+
 constexpr U32 minIndexBits = 4;
+
+// The whole prefix as one number for the index's hash.
+U64 mixOf(const Pelt::Prefix& prefix) { return U64(prefix.addr().networkOrder()) << 8 | prefix.len(); }
+U64 mixOf(const Pelt::Ip6AddrWithMask& prefix) {
+  U64 mix = prefix.len();
+  for (U8 byte : prefix.addr().bytes()) mix = mix * 0x100000001b3ull ^ byte;
+  return mix;
 }
 
-std::size_t FecRouteList::routeCount(FecId fecId) const {
+}  // namespace
+
+template <class Prefix>
+std::size_t BasicFecRouteList<Prefix>::routeCount(FecId fecId) const {
   auto it = fecOf_.find(fecId.value());
   return it == fecOf_.end() ? 0 : fecs_[it->second].count;
 }
 
-std::optional<FecId> FecRouteList::fecOf(const Pelt::Prefix& prefix) const {
+template <class Prefix>
+std::optional<FecId> BasicFecRouteList<Prefix>::fecOf(const Prefix& prefix) const {
   U32 e = find(prefix);
   if (e == none) return std::nullopt;
   return fecs_[entries_[e].fec].id;
 }
 
 // Fibonacci hashing of the whole prefix: consecutive prefixes spread over the index.
-U32 FecRouteList::bucketOf(U32 addr, U8 len) const noexcept {
-  return static_cast<U32>(((U64(addr) << 8 | len) * 0x9e3779b97f4a7c15ull) >> (64 - indexBits_));
+template <class Prefix>
+U32 BasicFecRouteList<Prefix>::bucketOf(const Prefix& prefix) const noexcept {
+  return static_cast<U32>((mixOf(prefix) * 0x9e3779b97f4a7c15ull) >> (64 - indexBits_));
 }
 
-U32 FecRouteList::find(const Pelt::Prefix& prefix) const {
+template <class Prefix>
+U32 BasicFecRouteList<Prefix>::find(const Prefix& prefix) const {
   if (indexBits_ == 0) return none;
-  const U32 addr = prefix.addr().networkOrder();
-  const U8 len = prefix.len();
   const U32 mask = (U32(1) << indexBits_) - 1;
-  for (U32 b = bucketOf(addr, len);; b = (b + 1) & mask) {
+  for (U32 b = bucketOf(prefix);; b = (b + 1) & mask) {
     const U32 slot = index_[b];
     if (slot == 0) return none;
-    const Entry& entry = entries_[slot - 1];
-    if (entry.addr == addr && entry.len == len) return slot - 1;
+    if (entries_[slot - 1].prefix == prefix) return slot - 1;
   }
 }
 
-void FecRouteList::indexInsert(U32 entry) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::indexInsert(U32 entry) {
   const U32 mask = (U32(1) << indexBits_) - 1;
-  U32 b = bucketOf(entries_[entry].addr, entries_[entry].len);
+  U32 b = bucketOf(entries_[entry].prefix);
   while (index_[b] != 0) b = (b + 1) & mask;
   index_[b] = entry + 1;
 }
 
 // Linear probing without tombstones: the entries after the hole that may move back into it do.
-void FecRouteList::indexErase(U32 entry) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::indexErase(U32 entry) {
   const U32 mask = (U32(1) << indexBits_) - 1;
-  U32 hole = bucketOf(entries_[entry].addr, entries_[entry].len);
+  U32 hole = bucketOf(entries_[entry].prefix);
   while (index_[hole] != entry + 1) hole = (hole + 1) & mask;
   for (U32 b = (hole + 1) & mask; index_[b] != 0; b = (b + 1) & mask) {
     const Entry& moving = entries_[index_[b] - 1];
-    const U32 home = bucketOf(moving.addr, moving.len);
+    const U32 home = bucketOf(moving.prefix);
     // The entry at b may fill the hole unless its home lies cyclically in (hole, b].
     const bool homeBetween = hole < b ? (home > hole && home <= b) : (home > hole || home <= b);
     if (homeBetween) continue;
@@ -62,11 +75,13 @@ void FecRouteList::indexErase(U32 entry) {
   index_[hole] = 0;
 }
 
-void FecRouteList::reserve(std::size_t routes) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::reserve(std::size_t routes) {
   if (routes > entries_.size() || routes * 4 > (std::size_t(3) << indexBits_)) grow(routes);
 }
 
-void FecRouteList::grow(std::size_t routes) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::grow(std::size_t routes) {
   if (routes > entries_.size()) {
     ZeroedArray<Entry> entries(routes);
     if (used_) std::memcpy(&entries[0], &entries_[0], std::size_t(used_) * sizeof(Entry));
@@ -80,22 +95,23 @@ void FecRouteList::grow(std::size_t routes) {
     if (entries_[e].fec != none) indexInsert(e);
 }
 
-U32 FecRouteList::newEntry() {
+template <class Prefix>
+U32 BasicFecRouteList<Prefix>::newEntry() {
   if (routes_ + 1 > entries_.size() || (routes_ + 1) * 4 > (std::size_t(3) << indexBits_))
     grow(std::max<std::size_t>(16, 2 * (routes_ + 1)));
   if (free_ != none) return std::exchange(free_, entries_[free_].next);
   return used_++;
 }
 
-void FecRouteList::routeIs(const Pelt::Prefix& prefix, FecId fecId) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::routeIs(const Prefix& prefix, FecId fecId) {
   U32 e = find(prefix);
   if (e != none) {
     if (fecs_[entries_[e].fec].id == fecId) return;
     unlink(e);
   } else {
     e = newEntry();
-    entries_[e].addr = prefix.addr().networkOrder();
-    entries_[e].len = prefix.len();
+    entries_[e].prefix = prefix;
     indexInsert(e);
     ++routes_;
   }
@@ -109,7 +125,7 @@ void FecRouteList::routeIs(const Pelt::Prefix& prefix, FecId fecId) {
     }
     fecs_[at->second].id = fecId;
   }
-  Fec& fec = fecs_[at->second];
+  FecPlace& fec = fecs_[at->second];
   Entry& entry = entries_[e];
   entry.fec = at->second;
   entry.prev = none;
@@ -119,7 +135,8 @@ void FecRouteList::routeIs(const Pelt::Prefix& prefix, FecId fecId) {
   ++fec.count;
 }
 
-void FecRouteList::routeDel(const Pelt::Prefix& prefix) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::routeDel(const Prefix& prefix) {
   const U32 e = find(prefix);
   if (e == none) return;
   unlink(e);
@@ -130,10 +147,11 @@ void FecRouteList::routeDel(const Pelt::Prefix& prefix) {
   --routes_;
 }
 
-void FecRouteList::unlink(U32 e) {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::unlink(U32 e) {
   Entry& entry = entries_[e];
   const U32 place = entry.fec;
-  Fec& fec = fecs_[place];
+  FecPlace& fec = fecs_[place];
   if (fec.cursor == e) fec.cursor = entry.next;
   if (entry.prev != none)
     entries_[entry.prev].next = entry.next;
@@ -142,11 +160,12 @@ void FecRouteList::unlink(U32 e) {
   if (entry.next != none) entries_[entry.next].prev = entry.prev;
   if (--fec.count > 0) return;
   fecOf_.erase(fec.id.value());
-  fec = Fec();
+  fec = FecPlace();
   freeFecs_.push_back(place);
 }
 
-void FecRouteList::clear() {
+template <class Prefix>
+void BasicFecRouteList<Prefix>::clear() {
   index_ = ZeroedArray<U32>();
   indexBits_ = 0;
   entries_ = ZeroedArray<Entry>();
@@ -158,21 +177,26 @@ void FecRouteList::clear() {
   fecOf_ = {};
 }
 
-bool FecRouteList::walkFrom(FecId fecId) {
+template <class Prefix>
+bool BasicFecRouteList<Prefix>::walkFrom(FecId fecId) {
   auto it = fecOf_.find(fecId.value());
   if (it == fecOf_.end()) return false;
-  Fec& fec = fecs_[it->second];
+  FecPlace& fec = fecs_[it->second];
   fec.cursor = fec.head;
   return fec.cursor != none;
 }
 
-std::optional<Pelt::Prefix> FecRouteList::walkNext(FecId fecId) {
+template <class Prefix>
+std::optional<Prefix> BasicFecRouteList<Prefix>::walkNext(FecId fecId) {
   auto it = fecOf_.find(fecId.value());
   if (it == fecOf_.end()) return std::nullopt;
-  Fec& fec = fecs_[it->second];
+  FecPlace& fec = fecs_[it->second];
   if (fec.cursor == none) return std::nullopt;
   const U32 e = std::exchange(fec.cursor, entries_[fec.cursor].next);
-  return entries_[e].prefix();
+  return entries_[e].prefix;
 }
+
+template class BasicFecRouteList<Pelt::Prefix>;
+template class BasicFecRouteList<Pelt::Ip6AddrWithMask>;
 
 }  // namespace Tarn::Fib

@@ -2,9 +2,11 @@
 
 namespace FibUtils {
 
-FecRouteListSm::FecRouteListSm(Quor::Ptr<const Tarn::Fib::RouteStatus> routeStatus,
-                               Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus,
-                               Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList, Quor::Ptr<const Quor::Clock> clock)
+template <class RouteStatus, class ForwardingStatus>
+BasicFecRouteListSm<RouteStatus, ForwardingStatus>::BasicFecRouteListSm(Quor::Ptr<const RouteStatus> routeStatus,
+                                                        Quor::Ptr<const ForwardingStatus> forwardingStatus,
+                                                        Quor::Ptr<FecRouteList> fecRouteList,
+                                                        Quor::Ptr<const Quor::Clock> clock)
     : routeStatus_(Quor::makePtr<QuorRouteStatus>(this)), forwardingStatus_(std::move(forwardingStatus)),
       fecRouteList_(std::move(fecRouteList)),
       fill_(Quor::makePtr<Quor::SlicedPass>([this] { return doFillStep(); })) {
@@ -12,23 +14,25 @@ FecRouteListSm::FecRouteListSm(Quor::Ptr<const Tarn::Fib::RouteStatus> routeStat
   fill_->clockIs(clock ? clock : Quor::Ptr<const Quor::Clock>(Quor::activityManager()->clock()));
   routeStatus_->notifierIs(routeStatus);
   if (forwardingStatus_ && routeStatus) {
-    const Tarn::Fib::RouteStatus* routes = routeStatus.ptr();
+    const RouteStatus* routes = routeStatus.ptr();
     forwardingStatus_->fec().deliveredAfterIs([routes] { return routes->route().follower(); });
   }
   handleRoute();
 }
 
-FecRouteListSm::~FecRouteListSm() {
+template <class RouteStatus, class ForwardingStatus>
+BasicFecRouteListSm<RouteStatus, ForwardingStatus>::~BasicFecRouteListSm() {
   fill_->stop();
   if (forwardingStatus_) forwardingStatus_->fec().deliveredAfterIs(nullptr);
   routeStatus_->quorDoZombieReactors(true);
   routeStatus_->notifierIs(nullptr);
 }
 
-void FecRouteListSm::handleRoute(const Pelt::Prefix& prefix) {
-  const Quor::Ptr<const Tarn::Fib::RouteStatus>& status = routeStatus_->notifier();
+template <class RouteStatus, class ForwardingStatus>
+void BasicFecRouteListSm<RouteStatus, ForwardingStatus>::handleRoute(const Prefix& prefix) {
+  const Quor::Ptr<const RouteStatus>& status = routeStatus_->notifier();
   if (!status) return;
-  Tarn::Fib::RouteStatus::RouteMap::Wrapper route;
+  typename RouteStatus::RouteMap::Wrapper route;
   try {
     route = status->route().lookup(prefix);
   } catch (const Tarn::CorruptionDetectedException& e) {
@@ -42,17 +46,19 @@ void FecRouteListSm::handleRoute(const Pelt::Prefix& prefix) {
   }
 }
 
-void FecRouteListSm::handleRoute() {
+template <class RouteStatus, class ForwardingStatus>
+void BasicFecRouteListSm<RouteStatus, ForwardingStatus>::handleRoute() {
   fecRouteList_->clear();
   fillAt_ = {};
   filledThrough_.reset();
   fill_->start();
 }
 
-bool FecRouteListSm::doFillStep() {
-  const Quor::Ptr<const Tarn::Fib::RouteStatus>& status = routeStatus_->notifier();
+template <class RouteStatus, class ForwardingStatus>
+bool BasicFecRouteListSm<RouteStatus, ForwardingStatus>::doFillStep() {
+  const Quor::Ptr<const RouteStatus>& status = routeStatus_->notifier();
   if (!status) return false;
-  const Tarn::Fib::RouteStatus::RouteMap& table = status->route();
+  const typename RouteStatus::RouteMap& table = status->route();
   try {
     auto route = filledThrough_ ? table.next(*filledThrough_, fillAt_) : table.first(fillAt_);
     if (!route) return false;
@@ -66,5 +72,8 @@ bool FecRouteListSm::doFillStep() {
     return false;
   }
 }
+
+template class BasicFecRouteListSm<Tarn::Fib::RouteStatus, Tarn::Fib::ForwardingStatus>;
+template class BasicFecRouteListSm<Tarn::Fib::Route6Status, Tarn::Fib::Forwarding6Status>;
 
 }  // namespace FibUtils

@@ -1,6 +1,6 @@
 #pragma once
-// FibUtils::FecRouteListSm keeps a Tarn::Fib::FecRouteList equal to the reverse of one VRF's route
-// table: each route notification moves its prefix to the list of the FEC that the route names now,
+// FibUtils::FecRouteListSm (FecRoute6ListSm for IPv6) keeps a Tarn::Fib::FecRouteList equal to the
+// reverse of one VRF's route table: each route notification moves its prefix to the list of the FEC that the route names now,
 // or out of the list when the route is gone.
 //
 // Its first pass over the route table, and the pass after a mount or unmount changed the whole
@@ -22,45 +22,53 @@
 
 namespace FibUtils {
 
-class FecRouteListSm : public Quor::PtrInterface {
+template <class RouteStatus, class ForwardingStatus>
+class BasicFecRouteListSm : public Quor::PtrInterface {
  public:
+  using Prefix = typename RouteStatus::Prefix;
+  using FecRouteList = Tarn::Fib::BasicFecRouteList<Prefix>;
+
   // Follows `routeStatus` and starts filling `fecRouteList` from it on `clock` (by default the
   // activity manager's); `forwardingStatus` (may be null) is the table whose notifications are
   // ordered after the routes'.
-  FecRouteListSm(Quor::Ptr<const Tarn::Fib::RouteStatus> routeStatus,
-                 Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus,
-                 Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList, Quor::Ptr<const Quor::Clock> clock = nullptr);
-  ~FecRouteListSm() override;
+  BasicFecRouteListSm(Quor::Ptr<const RouteStatus> routeStatus, Quor::Ptr<const ForwardingStatus> forwardingStatus,
+                      Quor::Ptr<FecRouteList> fecRouteList, Quor::Ptr<const Quor::Clock> clock = nullptr);
+  ~BasicFecRouteListSm() override;
 
   // Lists `prefix` under the FEC its route names now.
-  void handleRoute(const Pelt::Prefix& prefix);
+  void handleRoute(const Prefix& prefix);
   // The full pass over the route table: the list starts empty and fills in slices.
   void handleRoute();
   // Whether the list holds every route of the table (the last full pass has ended).
   bool filled() const noexcept { return !fill_->pending(); }
 
-  const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList() const noexcept { return fecRouteList_; }
+  const Quor::Ptr<FecRouteList>& fecRouteList() const noexcept { return fecRouteList_; }
 
  private:
-  class QuorRouteStatus : public Tarn::Fib::RouteStatus::NotifieeConst {
+  class QuorRouteStatus : public RouteStatus::NotifieeConst {
    public:
-    explicit QuorRouteStatus(FecRouteListSm* sm) : sm_(sm) {}
-    void onRoute(const Pelt::Prefix& prefix) override { sm_->handleRoute(prefix); }
+    explicit QuorRouteStatus(BasicFecRouteListSm* sm) : sm_(sm) {}
+    void onRoute(const Prefix& prefix) override { sm_->handleRoute(prefix); }
     void onRoutequorImmediate() override { sm_->handleRoute(); }
 
    private:
-    FecRouteListSm* sm_;
+    BasicFecRouteListSm* sm_;
   };
   // Lists the route after the pass's position; false when the table has no more.
   bool doFillStep();
 
   Quor::Ptr<QuorRouteStatus> routeStatus_;
-  Quor::Ptr<const Tarn::Fib::ForwardingStatus> forwardingStatus_;
-  Quor::Ptr<Tarn::Fib::FecRouteList> fecRouteList_;
+  Quor::Ptr<const ForwardingStatus> forwardingStatus_;
+  Quor::Ptr<FecRouteList> fecRouteList_;
   Quor::Ptr<Quor::SlicedPass> fill_;
   // Where the full pass stands: the last route it listed, none before the first.
   Tarn::TarnMapIterator fillAt_;
-  std::optional<Pelt::Prefix> filledThrough_;
+  std::optional<Prefix> filledThrough_;
 };
+
+using FecRouteListSm = BasicFecRouteListSm<Tarn::Fib::RouteStatus, Tarn::Fib::ForwardingStatus>;
+using FecRoute6ListSm = BasicFecRouteListSm<Tarn::Fib::Route6Status, Tarn::Fib::Forwarding6Status>;
+extern template class BasicFecRouteListSm<Tarn::Fib::RouteStatus, Tarn::Fib::ForwardingStatus>;
+extern template class BasicFecRouteListSm<Tarn::Fib::Route6Status, Tarn::Fib::Forwarding6Status>;
 
 }  // namespace FibUtils

@@ -18,9 +18,10 @@ U64 wallClockNanoseconds() {
   return U64(now.tv_sec) * 1000000000u + U64(now.tv_nsec);
 }
 
-FecChunkRecord chunkKey(U64 fecId, U64 stamp, U32 index) {
-  FecChunkRecord key;
-  std::memset(&key, 0, FecCodec::chunkKeySize);
+template <class Codec>
+typename Codec::ChunkRecord chunkKey(U64 fecId, U64 stamp, U32 index) {
+  typename Codec::ChunkRecord key;
+  std::memset(&key, 0, Codec::chunkKeySize);
   key.fecId = fecId;
   key.stamp = stamp;
   key.index = index;
@@ -29,46 +30,41 @@ FecChunkRecord chunkKey(U64 fecId, U64 stamp, U32 index) {
 
 }  // namespace
 
-TableGeometry fecGeometry(U32 maxFecs) {
-  return TableGeometry::forRecords(FecCodec::keySize, sizeof(FecRecord), maxFecs);
-}
-
-TableGeometry fecChunkGeometry(U32 maxChunks) {
-  return TableGeometry::forRecords(FecCodec::chunkKeySize, sizeof(FecChunkRecord), maxChunks);
-}
-
-FecWriter::FecWriter(const std::string& fecPath, U32 maxFecs, U32 maxChunks, double lockWait)
-    : fecs_(fecPath, FecCodec::type, fecGeometry(maxFecs), lockWait),
-      chunks_(FecCodec::chunkFileOf(fecPath), FecCodec::chunkType, fecChunkGeometry(maxChunks), lockWait) {
+template <class Codec>
+BasicFecWriter<Codec>::BasicFecWriter(const std::string& fecPath, U32 maxFecs, U32 maxChunks, double lockWait)
+    : fecs_(fecPath, Codec::type, fecGeometry<Codec>(maxFecs), lockWait),
+      chunks_(Codec::chunkFileOf(fecPath), Codec::chunkType, fecChunkGeometry<Codec>(maxChunks), lockWait) {
   U64 highest = 0;
   auto stampOf = [&highest](const void* record) {
-    highest = std::max(highest, static_cast<const FecRecord*>(record)->stamp);
+    highest = std::max(highest, static_cast<const typename Codec::Record*>(record)->stamp);
   };
   fecs_.forEachRecord(stampOf);
   chunks_.forEachRecord([&highest](const void* record) {
-    highest = std::max(highest, static_cast<const FecChunkRecord*>(record)->stamp);
+    highest = std::max(highest, static_cast<const typename Codec::ChunkRecord*>(record)->stamp);
   });
   nextStamp_ = std::max(highest + 1, wallClockNanoseconds());
   sweepOrphanChunks();
   commit();
 }
 
-void FecWriter::sweepOrphanChunks() {
-  std::vector<FecChunkRecord> orphans;
+template <class Codec>
+void BasicFecWriter<Codec>::sweepOrphanChunks() {
+  std::vector<typename Codec::ChunkRecord> orphans;
   chunks_.forEachRecord([&](const void* bytes) {
-    const auto* chunk = static_cast<const FecChunkRecord*>(bytes);
-    FecRecord owner;
+    const auto* chunk = static_cast<const typename Codec::ChunkRecord*>(bytes);
+    typename Codec::Record owner;
     if (!fecs_.find(&chunk->fecId, &owner) || owner.stamp != chunk->stamp || chunk->index >= chunksFor(owner.viaCount))
-      orphans.push_back(chunkKey(chunk->fecId, chunk->stamp, chunk->index));
+      orphans.push_back(chunkKey<Codec>(chunk->fecId, chunk->stamp, chunk->index));
   });
-  for (const FecChunkRecord& key : orphans) chunks_.erase(&key);
+  for (const auto& key : orphans) chunks_.erase(&key);
 }
 
-void FecWriter::put(const Fec& fec) {
+template <class Codec>
+void BasicFecWriter<Codec>::put(const Fec& fec) {
   if (fec.viaCount > Fec::maxVias) ViaIndex{fec.viaCount - 1};  // raises the range failure
-  FecRecord record{};
-  FecCodec::encodeKey(fec.fecId, &record);
-  FecRecord old;
+  typename Codec::Record record{};
+  Codec::encodeKey(fec.fecId, &record);
+  typename Codec::Record old;
   bool replacing = fecs_.find(&record, &old);
   if (!replacing && fecs_.members() >= fecs_.geometry().maxMembers)
     Quor::throwRangeException(fecs_.path() + ": table full at " + std::to_string(fecs_.members()) + " FECs");
@@ -80,23 +76,24 @@ void FecWriter::put(const Fec& fec) {
   const U64 stamp = nextStamp_++;
   record.stamp = stamp;
   record.viaCount = fec.viaCount;
-  for (U32 i = 0; i < std::min(fec.viaCount, inlineVias); ++i) FecCodec::encodeVia(fec.vias[i], &record.vias[i]);
-  std::vector<FecChunkRecord> chunks(chunkCount);
+  for (U32 i = 0; i < std::min(fec.viaCount, inlineVias); ++i) Codec::encodeVia(fec.vias[i], &record.vias[i]);
+  std::vector<typename Codec::ChunkRecord> chunks(chunkCount);
   for (U32 index = 0; index < chunkCount; ++index) {
-    FecChunkRecord& chunk = chunks[index];
-    chunk = chunkKey(fec.fecId.value(), stamp, index);
+    auto& chunk = chunks[index];
+    chunk = chunkKey<Codec>(fec.fecId.value(), stamp, index);
     U32 first = inlineVias + index * viasPerChunk;
     for (U32 i = 0; i < std::min(viasPerChunk, fec.viaCount - first); ++i)
-      FecCodec::encodeVia(fec.vias[first + i], &chunk.vias[i]);
+      Codec::encodeVia(fec.vias[first + i], &chunk.vias[i]);
   }
 
-  for (const FecChunkRecord& chunk : chunks) chunks_.put(&chunk);
+  for (const auto& chunk : chunks) chunks_.put(&chunk);
   fecs_.put(&record);
   if (replacing) eraseChunks(old.fecId, old.stamp, chunksFor(old.viaCount));
 }
 
-bool FecWriter::erase(FecId id) {
-  FecRecord old;
+template <class Codec>
+bool BasicFecWriter<Codec>::erase(FecId id) {
+  typename Codec::Record old;
   U64 key = id.value();
   if (!fecs_.find(&key, &old)) return false;
   fecs_.erase(&key);
@@ -104,16 +101,21 @@ bool FecWriter::erase(FecId id) {
   return true;
 }
 
-void FecWriter::eraseChunks(U64 fecId, U64 stamp, U32 count) {
+template <class Codec>
+void BasicFecWriter<Codec>::eraseChunks(U64 fecId, U64 stamp, U32 count) {
   for (U32 index = 0; index < count; ++index) {
-    FecChunkRecord key = chunkKey(fecId, stamp, index);
+    auto key = chunkKey<Codec>(fecId, stamp, index);
     chunks_.erase(&key);
   }
 }
 
-void FecWriter::commit() {
+template <class Codec>
+void BasicFecWriter<Codec>::commit() {
   chunks_.commit();
   fecs_.commit();
 }
+
+template class BasicFecWriter<FecCodec>;
+template class BasicFecWriter<Fec6Codec>;
 
 }  // namespace Tarn::Fib

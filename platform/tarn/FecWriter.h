@@ -13,14 +13,17 @@
 
 namespace Tarn::Fib {
 
-class FecWriter {
+template <class Codec>
+class BasicFecWriter {
  public:
+  using Fec = typename Codec::Value;
+
   static constexpr U32 defaultMaxFecs = 16384;
   static constexpr U32 defaultMaxChunks = 4096;
 
   // The file `fecPath` and its chunk file; see TableWriter for `lockWait`. A FEC being rewritten
   // holds its old and its new chunks for a moment, so maxChunks needs room for 8 more than are live.
-  explicit FecWriter(const std::string& fecPath, U32 maxFecs = defaultMaxFecs, U32 maxChunks = defaultMaxChunks,
+  explicit BasicFecWriter(const std::string& fecPath, U32 maxFecs = defaultMaxFecs, U32 maxChunks = defaultMaxChunks,
                      double lockWait = 0);
 
   // Inserts or replaces the FEC. Raises Quor::RangeException, leaving the table as it was, for more
@@ -42,8 +45,20 @@ class FecWriter {
   U64 nextStamp_ = 0;
 };
 
+// The writers of the IPv4 and the IPv6 forwarding table.
+using FecWriter = BasicFecWriter<FecCodec>;
+using Fec6Writer = BasicFecWriter<Fec6Codec>;
+extern template class BasicFecWriter<FecCodec>;
+extern template class BasicFecWriter<Fec6Codec>;
+
 // The geometries of the two files for the given sizes.
-TableGeometry fecGeometry(U32 maxFecs);
-TableGeometry fecChunkGeometry(U32 maxChunks);
+template <class Codec = FecCodec>
+TableGeometry fecGeometry(U32 maxFecs) {
+  return TableGeometry::forRecords(Codec::keySize, sizeof(typename Codec::Record), maxFecs);
+}
+template <class Codec = FecCodec>
+TableGeometry fecChunkGeometry(U32 maxChunks) {
+  return TableGeometry::forRecords(Codec::chunkKeySize, sizeof(typename Codec::ChunkRecord), maxChunks);
+}
 
 }  // namespace Tarn::Fib

@@ -12,64 +12,83 @@ ViaIndex::ViaIndex(U32 value) : value_(value) {
   if (value > max) Quor::throwRangeException("ViaIndex::value < ViaIndex::min or > ViaIndex::max not allowed");
 }
 
-void Fec::viaAdd(const Via& via) {
-  vias[ViaIndex(viaCount).value()] = via;
-  ++viaCount;
+namespace {
+
+template <class Via>
+std::ostream& printVia(std::ostream& out, const Via& via) {
+  return out << via.hop << "@" << via.intfId;
 }
 
-bool operator==(const Fec& a, const Fec& b) noexcept {
-  if (a.fecId != b.fecId || a.viaCount != b.viaCount) return false;
-  U32 n = std::min(a.viaCount, Fec::maxVias);
-  return std::equal(a.vias.begin(), a.vias.begin() + n, b.vias.begin());
-}
-
-std::ostream& operator<<(std::ostream& out, const Via& via) { return out << via.hop << "@" << via.intfId; }
-
-std::ostream& operator<<(std::ostream& out, const Fec& fec) {
+template <class Fec>
+std::ostream& printFec(std::ostream& out, const Fec& fec) {
   out << "fec " << fec.fecId << " vias " << fec.viaCount;
-  for (U32 i = 0; i < std::min(fec.viaCount, Fec::maxVias); ++i) out << (i ? ", " : " ") << fec.vias[i];
+  for (U32 i = 0; i < std::min(fec.viaCount, Fec::maxVias); ++i) printVia(out << (i ? ", " : " "), fec.vias[i]);
   return out;
 }
 
-void FecCodec::encodeKey(FecId id, FecRecord* record) { record->fecId = id.value(); }
+void encodeHop(Pelt::IpAddr hop, U32& field) { field = hop.networkOrder(); }
+void encodeHop(const Pelt::Ip6Addr& hop, std::array<U8, 16>& field) { field = hop.bytes(); }
+void decodeHop(U32 field, Pelt::IpAddr& hop) { hop = Pelt::IpAddr::fromNetworkOrder(field); }
+void decodeHop(const std::array<U8, 16>& field, Pelt::Ip6Addr& hop) { hop = Pelt::Ip6Addr::fromBytes(field.data()); }
 
-FecId FecCodec::decodeKey(const std::byte* key) {
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Via& via) { return printVia(out, via); }
+std::ostream& operator<<(std::ostream& out, const Via6& via) { return printVia(out, via); }
+std::ostream& operator<<(std::ostream& out, const Fec& fec) { return printFec(out, fec); }
+std::ostream& operator<<(std::ostream& out, const Fec6& fec) { return printFec(out, fec); }
+
+template <class Family>
+void BasicFecCodec<Family>::encodeKey(FecId id, Record* record) {
+  record->fecId = id.value();
+}
+
+template <class Family>
+FecId BasicFecCodec<Family>::decodeKey(const std::byte* key) {
   U64 id;
   std::memcpy(&id, key, sizeof id);
   return FecId(id);
 }
 
-void FecCodec::encodeVia(const Via& via, ViaRecord* record) {
-  record->hop = via.hop.networkOrder();
+template <class Family>
+void BasicFecCodec<Family>::encodeVia(const ViaValue& via, typename Family::ViaRecord* record) {
+  encodeHop(via.hop, record->hop);
   record->intf = encodeIntfName(via.intfId);
 }
 
-Via FecCodec::decodeVia(const ViaRecord& record) {
-  return Via{Pelt::IpAddr::fromNetworkOrder(record.hop), decodeIntfName(record.intf)};
+template <class Family>
+auto BasicFecCodec<Family>::decodeVia(const typename Family::ViaRecord& record) -> ViaValue {
+  ViaValue via;
+  decodeHop(record.hop, via.hop);
+  via.intfId = decodeIntfName(record.intf);
+  return via;
 }
 
-Fec FecCodec::decode(const FecRecord& record) {
-  Fec fec;
+template <class Family>
+auto BasicFecCodec<Family>::decode(const Record& record) -> Value {
+  Value fec;
   fec.fecId = FecId(record.fecId);
-  if (record.viaCount > Fec::maxVias)
+  if (record.viaCount > Value::maxVias)
     throwCorruption("FEC " + std::to_string(record.fecId) + " claims " + std::to_string(record.viaCount) + " vias");
   fec.viaCount = record.viaCount;
   for (U32 i = 0; i < std::min(fec.viaCount, inlineVias); ++i) fec.vias[i] = decodeVia(record.vias[i]);
   return fec;
 }
 
-bool FecCodec::readChunk(const FecChunkRecord& key, FecChunkRecord* chunk) const {
-  if (!chunks_) chunks_ = TableReader::open(chunkPath_, chunkType, chunkKeySize, sizeof(FecChunkRecord));
+template <class Family>
+bool BasicFecCodec<Family>::readChunk(const ChunkRecord& key, ChunkRecord* chunk) const {
+  if (!chunks_) chunks_ = TableReader::open(chunkPath_, chunkType, chunkKeySize, sizeof(ChunkRecord));
   if (!chunks_) return false;
   if (chunks_->lookup(&key, chunk)) return true;
   if (!chunks_->unlinked()) return false;
   // The writer has built a new chunk file: the chunk may be there.
-  chunks_ = TableReader::open(chunkPath_, chunkType, chunkKeySize, sizeof(FecChunkRecord));
+  chunks_ = TableReader::open(chunkPath_, chunkType, chunkKeySize, sizeof(ChunkRecord));
   return chunks_ && chunks_->lookup(&key, chunk);
 }
 
-bool FecCodec::complete(const FecRecord& record, Fec* fec) const {
-  FecChunkRecord key, chunk;
+template <class Family>
+bool BasicFecCodec<Family>::complete(const Record& record, Value* fec) const {
+  ChunkRecord key, chunk;
   std::memset(&key, 0, chunkKeySize);
   key.fecId = record.fecId;
   key.stamp = record.stamp;
@@ -83,5 +102,8 @@ bool FecCodec::complete(const FecRecord& record, Fec* fec) const {
   }
   return true;
 }
+
+template class BasicFecCodec<Ipv4Vias>;
+template class BasicFecCodec<Ipv6Vias>;
 
 }  // namespace Tarn::Fib

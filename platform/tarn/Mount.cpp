@@ -95,6 +95,18 @@ QuorTarn::MountInfo TableInfo::routeInfo(Tarn::TableType type) { return QuorTarn
 
 QuorTarn::MountInfo TableInfo::forwardingInfo(Tarn::TableType type) { return QuorTarn::infoOf<ForwardingStatus>(type); }
 
+std::string route6PathOf(const L3::VrfName& vrf) { return vrfPath(vrf, defaultRoute6Path, vrfRoute6PathFormat); }
+
+std::string forwarding6PathOf(const L3::VrfName& vrf) {
+  return vrfPath(vrf, defaultForwarding6Path, vrfForwarding6PathFormat);
+}
+
+QuorTarn::MountInfo TableInfo::route6Info(Tarn::TableType type) { return QuorTarn::infoOf<Route6Status>(type); }
+
+QuorTarn::MountInfo TableInfo::forwarding6Info(Tarn::TableType type) {
+  return QuorTarn::infoOf<Forwarding6Status>(type);
+}
+
 }  // namespace Tarn::Fib
 
 namespace Arp::Table {

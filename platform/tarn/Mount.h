@@ -49,6 +49,13 @@ class Mount {
   bool initialized_ = false;
 };
 
+// Mounts `info` at `path` as `Table` and gives the entity mounted there as one (null if it is not).
+template <class Table>
+Quor::Ptr<const Table> mountedAs(Mount& mount, const std::string& path, const MountInfo& info) {
+  mount.doMount(path, Table::typeName, info);
+  return Quor::dynamicPtrCast<const Table>(mount.getEntity(path));
+}
+
 }  // namespace QuorTarn
 
 namespace Tarn::Fib {
@@ -57,13 +64,22 @@ inline constexpr const char* defaultRoutePath = "routing/status";
 inline constexpr const char* defaultForwardingPath = "forwarding/status";
 inline constexpr const char* vrfRoutePathFormat = "routing/vrf/status/%s";
 inline constexpr const char* vrfForwardingPathFormat = "forwarding/vrf/status/%s";
+// The IPv6 tables, beside the IPv4 ones.
+inline constexpr const char* defaultRoute6Path = "routing6/status";
+inline constexpr const char* defaultForwarding6Path = "forwarding6/status";
+inline constexpr const char* vrfRoute6PathFormat = "routing6/vrf/status/%s";
+inline constexpr const char* vrfForwarding6PathFormat = "forwarding6/vrf/status/%s";
 // The mount path of a VRF's route or forwarding table, the default VRF's for "default".
 std::string routePathOf(const L3::VrfName& vrf);
 std::string forwardingPathOf(const L3::VrfName& vrf);
+std::string route6PathOf(const L3::VrfName& vrf);
+std::string forwarding6PathOf(const L3::VrfName& vrf);
 
 struct TableInfo {
   static QuorTarn::MountInfo routeInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
   static QuorTarn::MountInfo forwardingInfo(Tarn::TableType type = Tarn::TableType::sharedMemory);
+  static QuorTarn::MountInfo route6Info(Tarn::TableType type = Tarn::TableType::sharedMemory);
+  static QuorTarn::MountInfo forwarding6Info(Tarn::TableType type = Tarn::TableType::sharedMemory);
 };
 
 }  // namespace Tarn::Fib

@@ -1,5 +1,6 @@
 #pragma once
-// A fixed-size array of trivial values that starts as all zero bytes without writing them: a large
+// A fixed-size array of plain values (trivially copied and destroyed, all zero bytes a valid value)
+// that starts as all zero bytes without writing them: a large
 // one is an anonymous mapping of its own, whose pages the kernel provides on first touch, so memory
 // is spent only on the parts that are ever written. For per-slot state of tables of millions of slots.
 // A large one goes back to the kernel through the reaper (Quor::reapMapping), a few megabytes per
@@ -17,7 +18,7 @@ namespace Tarn {
 
 template <class T>
 class ZeroedArray {
-  static_assert(std::is_trivial_v<T>);
+  static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
   // Below this, calloc (which may write the zeros): the array is a few pages at most.
   static constexpr std::size_t mappedFrom = 64 * 1024;
 

@@ -41,9 +41,9 @@ Quor::Name intfKind(const KernelLink& link) {
   return Quor::Name("ethernet");
 }
 
-Routing::Fib::RouteType routeTypeOf(const KernelRoute& route) {
+Routing::Fib::RouteType routeTypeOf(U8 type, U8 protocol) {
   using namespace Routing::Fib;
-  switch (route.type) {
+  switch (type) {
     case RTN_UNICAST: break;
     case RTN_LOCAL: return routeTypeReceive;
     case RTN_BROADCAST: return routeTypeReceiveBcast;
@@ -52,7 +52,7 @@ Routing::Fib::RouteType routeTypeOf(const KernelRoute& route) {
     case RTN_PROHIBIT: return routeTypeDropped;
     default: return routeTypeKernel;
   }
-  switch (route.protocol) {
+  switch (protocol) {
     case RTPROT_KERNEL: return routeTypeConnected;
     case RTPROT_BOOT:
     case RTPROT_STATIC:

@@ -37,7 +37,11 @@ Pelt::IntfId qualifiedIntfName(const L3::VrfName& vrf, std::string_view name);
 // The store's kind of a kernel link.
 Quor::Name intfKind(const KernelLink& link);
 
-Routing::Fib::RouteType routeTypeOf(const KernelRoute& route);
+Routing::Fib::RouteType routeTypeOf(U8 type, U8 protocol);
+template <class Route>
+Routing::Fib::RouteType routeTypeOf(const Route& route) {
+  return routeTypeOf(route.type, route.protocol);
+}
 Routing::RoutePreference preferenceOf(Routing::Fib::RouteType type);
 
 }  // namespace Sources::Linux

@@ -21,33 +21,50 @@ bool keepsNexthops(const KernelLink& link) {
   return (link.flags & IFF_UP) && (link.flags & (IFF_RUNNING | IFF_LOWER_UP));
 }
 
-void addHop(const KernelNexthopObject& object, std::vector<KernelNextHop>& hops) {
-  if (object.blackhole || object.ipv6Gateway || object.isGroup()) return;
-  hops.push_back({object.gateway.value_or(Pelt::IpAddr()), object.ifIndex});
+// The next hop of a single object for a route of the family of `Addr`: none for a blackhole, a group
+// or a gateway of the other family.
+template <class Addr>
+void addHop(const KernelNexthopObject& object, std::vector<BasicKernelNextHop<Addr>>& hops) {
+  if (object.blackhole || object.isGroup()) return;
+  if (std::holds_alternative<std::monostate>(object.gateway))
+    hops.push_back({Addr(), object.ifIndex});
+  else if (const Addr* gateway = std::get_if<Addr>(&object.gateway))
+    hops.push_back({*gateway, object.ifIndex});
 }
 
 }  // namespace
 
 std::optional<WantedRoute> NamespaceRoutes::wantedRoute(const Pelt::Prefix& prefix) const {
-  auto it = routes_.find(prefix);
-  if (it == routes_.end() || it->second.empty()) return std::nullopt;
-  const KernelRoute& best = it->second.begin()->second;
-  const std::optional<std::vector<KernelNextHop>> hops = hopsOf(best);
+  return wantedOf<WantedRoute>(routes_, prefix);
+}
+
+std::optional<WantedRoute6> NamespaceRoutes::wantedRoute(const Pelt::Ip6AddrWithMask& prefix) const {
+  return wantedOf<WantedRoute6>(routes6_, prefix);
+}
+
+template <class Wanted, class Route>
+std::optional<Wanted> NamespaceRoutes::wantedOf(const Family<Route>& family,
+                                                const decltype(Route::prefix)& prefix) const {
+  using Via = typename decltype(Wanted::vias)::value_type;
+  auto it = family.routes.find(prefix);
+  if (it == family.routes.end() || it->second.empty()) return std::nullopt;
+  const Route& best = it->second.begin()->second;
+  const auto hops = hopsOf(best);
   if (!hops) {
     QTRACE(tracer, 2, prefix << " in VRF " << vrf_ << " waits for nexthop object " << best.nexthopId);
     return std::nullopt;
   }
-  WantedRoute wanted;
+  Wanted wanted;
   wanted.route.prefix = prefix;
   wanted.route.metric = Routing::RouteMetric(best.priority);
   wanted.route.routeType = routeTypeOf(best);
   wanted.route.preference = preferenceOf(wanted.route.routeType);
-  for (const KernelNextHop& hop : *hops) {
+  for (const auto& hop : *hops) {
     if (wanted.vias.size() == Tarn::Fib::Fec::maxVias) break;
-    wanted.vias.push_back(Tarn::Fib::Via{hop.gateway, nameOf(hop.ifIndex)});
+    wanted.vias.push_back(Via{hop.gateway, nameOf(hop.ifIndex)});
   }
-  std::sort(wanted.vias.begin(), wanted.vias.end(), [](const Tarn::Fib::Via& a, const Tarn::Fib::Via& b) {
-    return a.hop != b.hop ? a.hop < b.hop : a.intfId < b.intfId;
+  std::sort(wanted.vias.begin(), wanted.vias.end(), [](const Via& a, const Via& b) {
+    return !(a.hop == b.hop) ? a.hop < b.hop : a.intfId < b.intfId;
   });
   return wanted;
 }
@@ -65,7 +82,13 @@ std::optional<Arp::Table::ArpEntry> NamespaceRoutes::wantedNeighbour(const Neigh
 
 std::vector<Pelt::Prefix> NamespaceRoutes::prefixes() const {
   std::vector<Pelt::Prefix> all;
-  for (const auto& entry : routes_) all.push_back(entry.first);
+  for (const auto& entry : routes_.routes) all.push_back(entry.first);
+  return all;
+}
+
+std::vector<Pelt::Ip6AddrWithMask> NamespaceRoutes::prefixes6() const {
+  std::vector<Pelt::Ip6AddrWithMask> all;
+  for (const auto& entry : routes6_.routes) all.push_back(entry.first);
   return all;
 }
 
@@ -78,10 +101,10 @@ std::vector<NamespaceRoutes::NeighbourKey> NamespaceRoutes::neighbours() const {
 void NamespaceRoutes::resyncBegins() {
   links_.clear();
   nexthops_.clear();
-  nexthopUsers_.clear();
-  routes_.clear();
+  routes_ = {};
+  routes6_ = {};
   neighbours_.clear();
-  changes_ = Changes{true, {}, {}};
+  changes_ = Changes{true, {}, {}, {}};
 }
 
 void NamespaceRoutes::message(const nlmsghdr& message) {
@@ -96,7 +119,10 @@ void NamespaceRoutes::message(const nlmsghdr& message) {
       break;
     case RTM_NEWROUTE:
     case RTM_DELROUTE:
-      if (auto route = decodeRoute(message)) handleRoute(*route, message.nlmsg_type == RTM_NEWROUTE);
+      if (auto route = decodeRoute(message))
+        handleRoute(routes_, changes_.prefixes, *route, message.nlmsg_type == RTM_NEWROUTE);
+      else if (auto route6 = decodeRoute6(message))
+        handleRoute(routes6_, changes_.prefixes6, *route6, message.nlmsg_type == RTM_NEWROUTE);
       break;
     case RTM_NEWNEIGH:
     case RTM_DELNEIGH:
@@ -121,13 +147,14 @@ void NamespaceRoutes::handleLink(const KernelLink& link, bool present) {
   else
     links_.erase(it);
   // The names in FECs and ARP entries of this link change with it.
-  for (const auto& [prefix, routes] : routes_)
-    for (const auto& [key, route] : routes) {
-      const auto hops = hopsOf(route);
-      if (hops && std::any_of(hops->begin(), hops->end(),
-                              [&](const KernelNextHop& hop) { return hop.ifIndex == link.ifIndex; }))
-        changes_.prefixes.insert(prefix);
-    }
+  forEachFamily([&](const auto& family, auto& changed) {
+    for (const auto& [prefix, routes] : family.routes)
+      for (const auto& [key, route] : routes) {
+        const auto hops = hopsOf(route);
+        if (hops && std::any_of(hops->begin(), hops->end(), [&](const auto& hop) { return hop.ifIndex == link.ifIndex; }))
+          changed.insert(prefix);
+      }
+  });
   for (const auto& [key, neighbour] : neighbours_)
     if (key.first == link.ifIndex) changes_.neighbours.insert(key);
 }
@@ -151,15 +178,17 @@ void NamespaceRoutes::handleNexthop(const KernelNexthopObject& object, bool pres
 void NamespaceRoutes::dropNexthop(U32 id) {
   nexthops_.erase(id);
   // Its routes go with it: the kernel deletes them without a word when the compat mode is 0.
-  if (auto users = nexthopUsers_.extract(id)) {
-    for (const Pelt::Prefix& prefix : users.mapped()) {
-      auto it = routes_.find(prefix);
-      if (it == routes_.end()) continue;
+  forEachFamily([&](auto& family, auto& changed) {
+    auto users = family.nexthopUsers.extract(id);
+    if (!users) return;
+    for (const auto& prefix : users.mapped()) {
+      auto it = family.routes.find(prefix);
+      if (it == family.routes.end()) continue;
       std::erase_if(it->second, [id](const auto& entry) { return entry.second.nexthopId == id; });
-      if (it->second.empty()) routes_.erase(it);
-      changes_.prefixes.insert(prefix);
+      if (it->second.empty()) family.routes.erase(it);
+      changed.insert(prefix);
     }
-  }
+  });
   std::vector<U32> emptied;
   for (auto& [groupId, group] : nexthops_) {
     if (!group.isGroup() || std::erase(group.members, id) == 0) continue;
@@ -180,39 +209,44 @@ void NamespaceRoutes::markNexthopUsers(U32 id) {
 }
 
 void NamespaceRoutes::markUsers(U32 id) {
-  if (auto it = nexthopUsers_.find(id); it != nexthopUsers_.end())
-    changes_.prefixes.insert(it->second.begin(), it->second.end());
+  forEachFamily([id](const auto& family, auto& changed) {
+    if (auto it = family.nexthopUsers.find(id); it != family.nexthopUsers.end())
+      changed.insert(it->second.begin(), it->second.end());
+  });
 }
 
-void NamespaceRoutes::handleRoute(const KernelRoute& route, bool present) {
+template <class Route>
+void NamespaceRoutes::handleRoute(Family<Route>& family, std::set<decltype(Route::prefix)>& changed,
+                                  const Route& route, bool present) {
   if (route.table != RT_TABLE_MAIN) return;
   const RouteKey key{route.priority, route.tos};
   if (present) {
-    auto& routes = routes_[route.prefix];
+    auto& routes = family.routes[route.prefix];
     auto it = routes.find(key);
     const U32 before = it == routes.end() ? 0 : it->second.nexthopId;
     routes[key] = route;
-    if (before != route.nexthopId) releaseNexthop(before, route.prefix);
-    if (route.nexthopId != 0) nexthopUsers_[route.nexthopId].insert(route.prefix);
+    if (before != route.nexthopId) releaseNexthop(family, before, route.prefix);
+    if (route.nexthopId != 0) family.nexthopUsers[route.nexthopId].insert(route.prefix);
   } else {
-    auto it = routes_.find(route.prefix);
-    if (it == routes_.end()) return;
+    auto it = family.routes.find(route.prefix);
+    if (it == family.routes.end()) return;
     auto old = it->second.find(key);
     if (old != it->second.end()) {
       const U32 before = old->second.nexthopId;
       it->second.erase(old);
-      releaseNexthop(before, route.prefix);
+      releaseNexthop(family, before, route.prefix);
     }
-    if (it->second.empty()) routes_.erase(it);
+    if (it->second.empty()) family.routes.erase(it);
   }
-  changes_.prefixes.insert(route.prefix);
+  changed.insert(route.prefix);
 }
 
-std::optional<std::vector<KernelNextHop>> NamespaceRoutes::hopsOf(const KernelRoute& route) const {
+template <class Route>
+std::optional<std::vector<typename Route::NextHop>> NamespaceRoutes::hopsOf(const Route& route) const {
   if (route.nexthopId == 0) return route.nextHops;
   auto it = nexthops_.find(route.nexthopId);
   if (it == nexthops_.end()) return std::nullopt;
-  std::vector<KernelNextHop> hops;
+  std::vector<typename Route::NextHop> hops;
   const KernelNexthopObject& object = it->second;
   if (!object.isGroup()) addHop(object, hops);
   for (U32 member : object.members)
@@ -220,15 +254,16 @@ std::optional<std::vector<KernelNextHop>> NamespaceRoutes::hopsOf(const KernelRo
   return hops;
 }
 
-void NamespaceRoutes::releaseNexthop(U32 id, const Pelt::Prefix& prefix) {
+template <class Route>
+void NamespaceRoutes::releaseNexthop(Family<Route>& family, U32 id, const decltype(Route::prefix)& prefix) {
   if (id == 0) return;
-  if (auto it = routes_.find(prefix); it != routes_.end())
+  if (auto it = family.routes.find(prefix); it != family.routes.end())
     for (const auto& [key, route] : it->second)
       if (route.nexthopId == id) return;
-  auto users = nexthopUsers_.find(id);
-  if (users == nexthopUsers_.end()) return;
+  auto users = family.nexthopUsers.find(id);
+  if (users == family.nexthopUsers.end()) return;
   users->second.erase(prefix);
-  if (users->second.empty()) nexthopUsers_.erase(users);
+  if (users->second.empty()) family.nexthopUsers.erase(users);
 }
 
 void NamespaceRoutes::handleNeighbour(const KernelNeigh& neighbour, bool present) {

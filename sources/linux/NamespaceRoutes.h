@@ -1,7 +1,7 @@
 #pragma once
-// The IPv4 routes of the main table and the IPv4 neighbours of one namespace, with the names of its
-// links and its nexthop objects, kept from the messages of an RtnlSession, and what they make in the
-// tables.
+// The IPv4 and IPv6 routes of the main table and the IPv4 neighbours of one namespace, with the names
+// of its links and its nexthop objects, kept from the messages of an RtnlSession, and what they make
+// in the tables.
 //
 // The kernel may hold several routes for one prefix (different metrics or TOS); the table holds one
 // per prefix: the one the kernel prefers, of the lowest metric, then the lowest TOS. A neighbour
@@ -40,6 +40,7 @@ class NamespaceRoutes final : public RtnlSession::Handler {
   struct Changes {
     bool all = false;  // everything is to be recomputed
     std::set<Pelt::Prefix> prefixes;
+    std::set<Pelt::Ip6AddrWithMask> prefixes6;
     std::set<NeighbourKey> neighbours;
   };
 
@@ -50,9 +51,11 @@ class NamespaceRoutes final : public RtnlSession::Handler {
   Changes takeChanges() { return std::exchange(changes_, Changes()); }
   // The route table's entry of `prefix`, nothing when the kernel has no route for it.
   std::optional<WantedRoute> wantedRoute(const Pelt::Prefix& prefix) const;
+  std::optional<WantedRoute6> wantedRoute(const Pelt::Ip6AddrWithMask& prefix) const;
   // The ARP table's entry of a neighbour, nothing when it does not count.
   std::optional<Arp::Table::ArpEntry> wantedNeighbour(const NeighbourKey& key, Vrf::VrfIdMap::VrfId vrfId) const;
   std::vector<Pelt::Prefix> prefixes() const;
+  std::vector<Pelt::Ip6AddrWithMask> prefixes6() const;
   std::vector<NeighbourKey> neighbours() const;
 
   void resyncBegins() override;
@@ -61,26 +64,45 @@ class NamespaceRoutes final : public RtnlSession::Handler {
 
  private:
   using RouteKey = std::pair<U32, U8>;  // metric, TOS: the kernel's preference among routes of a prefix
+  // The routes of one family by prefix, and the prefixes that have a route naming each nexthop object.
+  template <class Route>
+  struct Family {
+    using Prefix = decltype(Route::prefix);
+    std::map<Prefix, std::map<RouteKey, Route>> routes;
+    std::map<U32, std::set<Prefix>> nexthopUsers;
+  };
+  // Calls visit(family, changed prefixes of that family) for each family.
+  template <class Visit>
+  void forEachFamily(Visit visit) {
+    visit(routes_, changes_.prefixes);
+    visit(routes6_, changes_.prefixes6);
+  }
+  template <class Wanted, class Route>
+  std::optional<Wanted> wantedOf(const Family<Route>& family, const decltype(Route::prefix)& prefix) const;
+  // The next hops of `route`; nothing while the nexthop object it names is unknown.
+  template <class Route>
+  std::optional<std::vector<typename Route::NextHop>> hopsOf(const Route& route) const;
+  template <class Route>
+  void handleRoute(Family<Route>& family, std::set<decltype(Route::prefix)>& changed, const Route& route,
+                   bool present);
+  // Keeps a family's nexthopUsers in step when a route of `prefix` stops naming object `id`.
+  template <class Route>
+  static void releaseNexthop(Family<Route>& family, U32 id, const decltype(Route::prefix)& prefix);
   void handleLink(const KernelLink& link, bool present);
   void handleNexthop(const KernelNexthopObject& object, bool present);
-  void handleRoute(const KernelRoute& route, bool present);
   void handleNeighbour(const KernelNeigh& neighbour, bool present);
-  // The next hops of `route`; nothing while the nexthop object it names is unknown.
-  std::optional<std::vector<KernelNextHop>> hopsOf(const KernelRoute& route) const;
   // Forgets object `id` as the kernel does when it goes (see above).
   void dropNexthop(U32 id);
   // Marks the prefixes whose next hops come from object `id`, through a group or not.
   void markNexthopUsers(U32 id);
   void markUsers(U32 id);
-  // Keeps nexthopUsers_ in step when a route of `prefix` stops naming object `id`.
-  void releaseNexthop(U32 id, const Pelt::Prefix& prefix);
   Pelt::IntfId nameOf(S32 ifIndex) const;
 
   L3::VrfName vrf_;
   std::map<S32, std::string> links_;
   std::map<U32, KernelNexthopObject> nexthops_;
-  std::map<U32, std::set<Pelt::Prefix>> nexthopUsers_;  // object id: prefixes with a route naming it
-  std::map<Pelt::Prefix, std::map<RouteKey, KernelRoute>> routes_;
+  Family<KernelRoute> routes_;
+  Family<KernelRoute6> routes6_;
   std::map<NeighbourKey, KernelNeigh> neighbours_;
   Changes changes_;
 };

@@ -14,22 +14,24 @@ const Quor::Tracer tracer("Linux", "RouteTables");
 
 }  // namespace
 
-bool RouteTables::ViaOrder::operator()(const FecKey& a, const FecKey& b) const noexcept {
+template <class Family>
+bool BasicRouteTables<Family>::ViaOrder::operator()(const FecKey& a, const FecKey& b) const noexcept {
   return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                      [](const Tarn::Fib::Via& x, const Tarn::Fib::Via& y) {
-                                        if (x.hop != y.hop) return x.hop < y.hop;
+                                      [](const Via& x, const Via& y) {
+                                        if (!(x.hop == y.hop)) return x.hop < y.hop;
                                         return x.intfId < y.intfId;
                                       });
 }
 
-RouteTables::RouteTables(const std::string& root, const L3::VrfName& vrf)
-    : fecPath_(root + "/" + Tarn::Fib::forwardingPathOf(vrf) + "/fec"),
-      routeTable_(root + "/" + Tarn::Fib::routePathOf(vrf) + "/route", leastRoutes) {
-  using Tarn::Fib::FecCodec;
+template <class Family>
+BasicRouteTables<Family>::BasicRouteTables(const std::string& root, const L3::VrfName& vrf)
+    : fecPath_(root + "/" + Family::forwardingPath(vrf) + "/fec"),
+      routeTable_(root + "/" + Family::routePath(vrf) + "/route", leastRoutes) {
+  using FecCodec = typename Family::FecCodec;
   try {
-    if (auto reader = Tarn::TableReader::open(fecPath_, FecCodec::type, FecCodec::keySize, sizeof(Tarn::Fib::FecRecord))) {
+    if (auto reader = Tarn::TableReader::open(fecPath_, FecCodec::type, FecCodec::keySize, sizeof(typename FecCodec::Record))) {
       maxFecs_ = std::max(maxFecs_, reader->geometry().maxMembers);
-      Tarn::Fib::FecRecord record;
+      typename FecCodec::Record record;
       for (U32 slot = reader->nextOccupied(0, &record); slot < reader->capacity();
            slot = reader->nextOccupied(slot + 1, &record))
         staleFecs_.insert(record.fecId);
@@ -38,13 +40,14 @@ RouteTables::RouteTables(const std::string& root, const L3::VrfName& vrf)
     staleFecs_.clear();  // the writer builds a fresh file
   }
   maxChunks_ = std::max(maxChunks_, Tarn::presentMaxMembers(FecCodec::chunkFileOf(fecPath_), FecCodec::chunkType,
-                                                             FecCodec::chunkKeySize, sizeof(Tarn::Fib::FecChunkRecord)));
-  fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
+                                                             FecCodec::chunkKeySize, sizeof(typename FecCodec::ChunkRecord)));
+  fecTable_ = std::make_unique<Tarn::Fib::BasicFecWriter<FecCodec>>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
   if (!staleFecs_.empty()) nextFecId_ = *staleFecs_.rbegin() + 1;
-  routeTable_.forEach([this](const Tarn::Fib::Route& route) { routes_[route.prefix] = Published{route, std::nullopt}; });
+  routeTable_.forEach([this](const Route& route) { routes_[route.prefix] = Published{route, std::nullopt}; });
 }
 
-void RouteTables::routeIs(const Pelt::Prefix& prefix, const std::optional<WantedRoute>& wanted) {
+template <class Family>
+void BasicRouteTables<Family>::routeIs(const Prefix& prefix, const std::optional<Wanted>& wanted) {
   auto it = routes_.find(prefix);
   if (!wanted) {
     if (it == routes_.end()) return;
@@ -54,7 +57,7 @@ void RouteTables::routeIs(const Pelt::Prefix& prefix, const std::optional<Wanted
     if (fec) release(*fec);
     return;
   }
-  Tarn::Fib::Route route = wanted->route;
+  Route route = wanted->route;
   route.prefix = prefix;
   if (it != routes_.end() && it->second.fec == wanted->vias) {
     route.fecId = fecs_.at(wanted->vias).id;
@@ -71,30 +74,34 @@ void RouteTables::routeIs(const Pelt::Prefix& prefix, const std::optional<Wanted
   if (old) release(*old);
 }
 
-std::vector<Pelt::Prefix> RouteTables::prefixes() const {
-  std::vector<Pelt::Prefix> all;
+template <class Family>
+auto BasicRouteTables<Family>::prefixes() const -> std::vector<Prefix> {
+  std::vector<Prefix> all;
   all.reserve(routes_.size());
   for (const auto& entry : routes_) all.push_back(entry.first);
   return all;
 }
 
-void RouteTables::sweepStaleFecs() {
+template <class Family>
+void BasicRouteTables<Family>::sweepStaleFecs() {
   for (U64 id : staleFecs_) fecTable_->erase(Tarn::Fib::FecId(id));
   staleFecs_.clear();
 }
 
-void RouteTables::commit() {
+template <class Family>
+void BasicRouteTables<Family>::commit() {
   fecTable_->commit();
   routeTable_.commit();
 }
 
-Tarn::Fib::FecId RouteTables::acquire(const FecKey& vias) {
+template <class Family>
+Tarn::Fib::FecId BasicRouteTables<Family>::acquire(const FecKey& vias) {
   auto [it, made] = fecs_.try_emplace(vias);
   if (made) {
     it->second.id = Tarn::Fib::FecId(nextFecId_++);
-    Tarn::Fib::Fec fec;
+    Fec fec;
     fec.fecId = it->second.id;
-    for (const Tarn::Fib::Via& via : vias) fec.viaAdd(via);
+    for (const Via& via : vias) fec.viaAdd(via);
     try {
       putFec(fec);
     } catch (...) {
@@ -106,14 +113,16 @@ Tarn::Fib::FecId RouteTables::acquire(const FecKey& vias) {
   return it->second.id;
 }
 
-void RouteTables::release(const FecKey& vias) {
+template <class Family>
+void BasicRouteTables<Family>::release(const FecKey& vias) {
   auto it = fecs_.find(vias);
   if (it == fecs_.end() || --it->second.users > 0) return;
   fecTable_->erase(it->second.id);
   fecs_.erase(it);
 }
 
-void RouteTables::putFec(const Tarn::Fib::Fec& fec) {
+template <class Family>
+void BasicRouteTables<Family>::putFec(const Fec& fec) {
   // A FEC being rewritten holds its old and its new chunks for a moment: 8 to spare.
   const U32 chunksNeeded = fecTable_->chunks() + Tarn::Fib::chunksFor(fec.viaCount) + 8;
   if (fecTable_->members() + 1 >= maxFecs_ || chunksNeeded > maxChunks_) {
@@ -124,11 +133,15 @@ void RouteTables::putFec(const Tarn::Fib::Fec& fec) {
   fecTable_->put(fec);
 }
 
-void RouteTables::growFecs() {
+template <class Family>
+void BasicRouteTables<Family>::growFecs() {
   fecTable_.reset();
   // The writer of another size carries every FEC into the new pair of files, stale ones included.
-  fecTable_ = std::make_unique<Tarn::Fib::FecWriter>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
+  fecTable_ = std::make_unique<Tarn::Fib::BasicFecWriter<typename Family::FecCodec>>(fecPath_, maxFecs_, maxChunks_, tableLockWait);
   QTRACE(tracer, 1, fecPath_ << " grown to " << maxFecs_ << " FECs and " << maxChunks_ << " chunks");
 }
+
+template class BasicRouteTables<Ipv4Tables>;
+template class BasicRouteTables<Ipv6Tables>;
 
 }  // namespace Sources::Linux

@@ -55,6 +55,72 @@ std::optional<Pelt::IpAddr> ipv4Of(const nlattr* attr) {
   return Pelt::IpAddr::fromNetworkOrder(value);
 }
 
+std::optional<Pelt::Ip6Addr> ipv6Of(const nlattr* attr) {
+  const void* bytes = payloadOf(attr, 16);
+  if (!bytes) return std::nullopt;
+  return Pelt::Ip6Addr::fromBytes(static_cast<const U8*>(bytes));
+}
+
+// What differs between the families' route messages.
+template <class Route>
+struct RouteFamily;
+template <>
+struct RouteFamily<KernelRoute> {
+  static constexpr int family = AF_INET;
+  static constexpr unsigned maxLength = 32;
+  static std::optional<Pelt::IpAddr> addressOf(const nlattr* attr) { return ipv4Of(attr); }
+};
+template <>
+struct RouteFamily<KernelRoute6> {
+  static constexpr int family = AF_INET6;
+  static constexpr unsigned maxLength = 128;
+  static std::optional<Pelt::Ip6Addr> addressOf(const nlattr* attr) { return ipv6Of(attr); }
+};
+
+template <class Route>
+std::optional<Route> decodeRouteOf(const nlmsghdr& message) {
+  using Family = RouteFamily<Route>;
+  using Addr = decltype(Route::NextHop::gateway);
+  if (message.nlmsg_type != RTM_NEWROUTE && message.nlmsg_type != RTM_DELROUTE) return std::nullopt;
+  const auto* rtm = headerOf<rtmsg>(message);
+  Attributes<RTA_MAX> attrs;
+  if (!rtm || rtm->rtm_family != Family::family || rtm->rtm_dst_len > Family::maxLength ||
+      !attrs.parse(message, sizeof *rtm))
+    return std::nullopt;
+  Route route;
+  Addr dst;
+  if (attrs[RTA_DST]) {
+    auto parsed = Family::addressOf(attrs[RTA_DST]);
+    if (!parsed) return std::nullopt;
+    dst = *parsed;
+  }
+  route.prefix = decltype(route.prefix)(dst, rtm->rtm_dst_len);
+  route.tos = rtm->rtm_tos;
+  route.table = rtm->rtm_table;
+  if (const void* table = payloadOf(attrs[RTA_TABLE], sizeof(U32))) std::memcpy(&route.table, table, sizeof(U32));
+  if (const void* priority = payloadOf(attrs[RTA_PRIORITY], sizeof(U32)))
+    std::memcpy(&route.priority, priority, sizeof(U32));
+  route.protocol = rtm->rtm_protocol;
+  route.type = rtm->rtm_type;
+  if (const void* id = payloadOf(attrs[RTA_NH_ID], sizeof(U32))) std::memcpy(&route.nexthopId, id, sizeof(U32));
+
+  if (const nlattr* multipath = attrs[RTA_MULTIPATH]) {
+    const auto* hop = static_cast<const rtnexthop*>(mnl_attr_get_payload(multipath));
+    int left = static_cast<int>(mnl_attr_get_payload_len(multipath));
+    for (; RTNH_OK(hop, left); left -= NLMSG_ALIGN(hop->rtnh_len), hop = RTNH_NEXT(hop)) {
+      Attributes<RTA_MAX> hopAttrs;
+      if (!hopAttrs.parsePayload(RTNH_DATA(hop), hop->rtnh_len - sizeof *hop)) return std::nullopt;
+      if (hopAttrs[RTA_VIA]) continue;
+      route.nextHops.push_back({Family::addressOf(hopAttrs[RTA_GATEWAY]).value_or(Addr()), hop->rtnh_ifindex});
+    }
+  } else if (!attrs[RTA_VIA] && (attrs[RTA_OIF] || attrs[RTA_GATEWAY])) {
+    S32 oif = 0;
+    if (const void* ifIndex = payloadOf(attrs[RTA_OIF], sizeof(U32))) std::memcpy(&oif, ifIndex, sizeof(U32));
+    route.nextHops.push_back({Family::addressOf(attrs[RTA_GATEWAY]).value_or(Addr()), oif});
+  }
+  return route;
+}
+
 }  // namespace
 
 std::optional<KernelLink> decodeLink(const nlmsghdr& message) {
@@ -120,52 +186,19 @@ std::optional<KernelNexthopObject> decodeNexthop(const nlmsghdr& message) {
   }
   if (const void* ifIndex = payloadOf(attrs[NHA_OIF], sizeof(U32))) std::memcpy(&object.ifIndex, ifIndex, sizeof(U32));
   if (const nlattr* gateway = attrs[NHA_GATEWAY]) {
-    object.gateway = ipv4Of(gateway);
-    object.ipv6Gateway = mnl_attr_get_payload_len(gateway) == 16;
-    if (!object.gateway && !object.ipv6Gateway) return std::nullopt;
+    if (auto ipv4 = ipv4Of(gateway))
+      object.gateway = *ipv4;
+    else if (auto ipv6 = ipv6Of(gateway))
+      object.gateway = *ipv6;
+    else
+      return std::nullopt;
   }
   return object;
 }
 
-std::optional<KernelRoute> decodeRoute(const nlmsghdr& message) {
-  if (message.nlmsg_type != RTM_NEWROUTE && message.nlmsg_type != RTM_DELROUTE) return std::nullopt;
-  const auto* rtm = headerOf<rtmsg>(message);
-  Attributes<RTA_MAX> attrs;
-  if (!rtm || rtm->rtm_family != AF_INET || rtm->rtm_dst_len > 32 || !attrs.parse(message, sizeof *rtm))
-    return std::nullopt;
-  KernelRoute route;
-  Pelt::IpAddr dst;
-  if (attrs[RTA_DST]) {
-    auto parsed = ipv4Of(attrs[RTA_DST]);
-    if (!parsed) return std::nullopt;
-    dst = *parsed;
-  }
-  route.prefix = Pelt::Prefix(dst, rtm->rtm_dst_len);
-  route.tos = rtm->rtm_tos;
-  route.table = rtm->rtm_table;
-  if (const void* table = payloadOf(attrs[RTA_TABLE], sizeof(U32))) std::memcpy(&route.table, table, sizeof(U32));
-  if (const void* priority = payloadOf(attrs[RTA_PRIORITY], sizeof(U32)))
-    std::memcpy(&route.priority, priority, sizeof(U32));
-  route.protocol = rtm->rtm_protocol;
-  route.type = rtm->rtm_type;
-  if (const void* id = payloadOf(attrs[RTA_NH_ID], sizeof(U32))) std::memcpy(&route.nexthopId, id, sizeof(U32));
+std::optional<KernelRoute> decodeRoute(const nlmsghdr& message) { return decodeRouteOf<KernelRoute>(message); }
 
-  if (const nlattr* multipath = attrs[RTA_MULTIPATH]) {
-    const auto* hop = static_cast<const rtnexthop*>(mnl_attr_get_payload(multipath));
-    int left = static_cast<int>(mnl_attr_get_payload_len(multipath));
-    for (; RTNH_OK(hop, left); left -= NLMSG_ALIGN(hop->rtnh_len), hop = RTNH_NEXT(hop)) {
-      Attributes<RTA_MAX> hopAttrs;
-      if (!hopAttrs.parsePayload(RTNH_DATA(hop), hop->rtnh_len - sizeof *hop)) return std::nullopt;
-      if (hopAttrs[RTA_VIA]) continue;
-      route.nextHops.push_back({ipv4Of(hopAttrs[RTA_GATEWAY]).value_or(Pelt::IpAddr()), hop->rtnh_ifindex});
-    }
-  } else if (!attrs[RTA_VIA] && (attrs[RTA_OIF] || attrs[RTA_GATEWAY])) {
-    S32 oif = 0;
-    if (const void* ifIndex = payloadOf(attrs[RTA_OIF], sizeof(U32))) std::memcpy(&oif, ifIndex, sizeof(U32));
-    route.nextHops.push_back({ipv4Of(attrs[RTA_GATEWAY]).value_or(Pelt::IpAddr()), oif});
-  }
-  return route;
-}
+std::optional<KernelRoute6> decodeRoute6(const nlmsghdr& message) { return decodeRouteOf<KernelRoute6>(message); }
 
 std::optional<KernelNeigh> decodeNeigh(const nlmsghdr& message) {
   if (message.nlmsg_type != RTM_NEWNEIGH && message.nlmsg_type != RTM_DELNEIGH) return std::nullopt;

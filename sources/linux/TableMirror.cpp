@@ -15,7 +15,8 @@ namespace {
 
 const Quor::Tracer tracer("Linux", "TableMirror");
 
-const std::vector<unsigned> routeGroups{RTNLGRP_LINK, RTNLGRP_NEXTHOP, RTNLGRP_IPV4_ROUTE, RTNLGRP_NEIGH};
+const std::vector<unsigned> routeGroups{RTNLGRP_LINK, RTNLGRP_NEXTHOP, RTNLGRP_IPV4_ROUTE, RTNLGRP_IPV6_ROUTE,
+                                       RTNLGRP_NEIGH};
 // Reading between two writes of the tables: long enough to batch a burst, short enough to show it.
 constexpr double readQuantum = 0.05;
 
@@ -23,12 +24,13 @@ constexpr double readQuantum = 0.05;
 
 struct TableMirror::Namespace {
   Namespace(const std::string& root, const L3::VrfName& name, Vrf::VrfIdMap::VrfId id)
-      : vrf(name), vrfId(id), model(name), tables(root, name) {}
+      : vrf(name), vrfId(id), model(name), tables(root, name), tables6(root, name) {}
 
   L3::VrfName vrf;
   Vrf::VrfIdMap::VrfId vrfId;
   NamespaceRoutes model;
   RouteTables tables;
+  Route6Tables tables6;
   std::unique_ptr<RtnlSession> session;
   std::map<NamespaceRoutes::NeighbourKey, Arp::Table::ArpKey> arpKeys;  // what each neighbour wrote
   bool frozen = false;
@@ -62,8 +64,11 @@ void TableMirror::open(const L3::VrfName& vrf) {
     ns->session = std::make_unique<RtnlSession>(
         vrf.isDefault() ? std::string() : namespaceOfVrf(vrf), routeGroups,
         // Nexthop objects before the routes that name them.
-        std::vector<RtnlSession::Dump>{
-            {RTM_GETLINK, AF_UNSPEC}, {RTM_GETNEXTHOP, AF_UNSPEC}, {RTM_GETROUTE, AF_INET}, {RTM_GETNEIGH, AF_INET}},
+        std::vector<RtnlSession::Dump>{{RTM_GETLINK, AF_UNSPEC},
+                                       {RTM_GETNEXTHOP, AF_UNSPEC},
+                                       {RTM_GETROUTE, AF_INET},
+                                       {RTM_GETROUTE, AF_INET6},
+                                       {RTM_GETNEIGH, AF_INET}},
         ns->model);
   } catch (const std::exception& e) {
     QTRACE(tracer, 0, "cannot follow the routes of VRF " << vrf << ": " << e.what());
@@ -84,9 +89,8 @@ void TableMirror::close(const L3::VrfName& vrf) {
   if (it == namespaces_.end()) return;
   Namespace& ns = *it->second;
   if (!ns.frozen) Quor::activityManager()->fdReadDel(ns.session->fd());
-  for (const Pelt::Prefix& prefix : ns.tables.prefixes()) ns.tables.routeIs(prefix, std::nullopt);
-  ns.tables.sweepStaleFecs();
-  ns.tables.commit();
+  emptied(ns.tables);
+  emptied(ns.tables6);
   for (const Arp::Table::ArpKey& key : arp_.keysOf(ns.vrfId)) arp_.entryIs(key, std::nullopt);
   arp_.commit();
   vrfIds_.presentIs(vrf, false);
@@ -113,20 +117,34 @@ void TableMirror::flush(Namespace& ns) {
   if (changes.all) {
     syncAll(ns);
   } else {
-    for (const Pelt::Prefix& prefix : changes.prefixes) routeIs(ns, prefix);
+    for (const Pelt::Prefix& prefix : changes.prefixes) routeIs(ns, ns.tables, prefix);
+    for (const Pelt::Ip6AddrWithMask& prefix : changes.prefixes6) routeIs(ns, ns.tables6, prefix);
     for (const auto& key : changes.neighbours) neighbourIs(ns, key);
   }
   ns.tables.commit();
+  ns.tables6.commit();
   arp_.commit();
   if (!sweptAbsent_) sweepAbsentVrfs();
 }
 
+template <class Tables>
+void TableMirror::emptied(Tables& tables) {
+  for (const auto& prefix : tables.prefixes()) tables.routeIs(prefix, std::nullopt);
+  tables.sweepStaleFecs();
+  tables.commit();
+}
+
+template <class Tables>
+void TableMirror::syncRoutes(Namespace& ns, Tables& tables, const std::vector<typename Tables::Prefix>& kernel) {
+  std::set<typename Tables::Prefix> prefixes(kernel.begin(), kernel.end());
+  for (const auto& prefix : tables.prefixes()) prefixes.insert(prefix);
+  for (const auto& prefix : prefixes) routeIs(ns, tables, prefix);
+  tables.sweepStaleFecs();
+}
+
 void TableMirror::syncAll(Namespace& ns) {
-  std::set<Pelt::Prefix> prefixes;
-  for (const Pelt::Prefix& prefix : ns.model.prefixes()) prefixes.insert(prefix);
-  for (const Pelt::Prefix& prefix : ns.tables.prefixes()) prefixes.insert(prefix);
-  for (const Pelt::Prefix& prefix : prefixes) routeIs(ns, prefix);
-  ns.tables.sweepStaleFecs();
+  syncRoutes(ns, ns.tables, ns.model.prefixes());
+  syncRoutes(ns, ns.tables6, ns.model.prefixes6());
 
   ns.arpKeys.clear();
   std::set<Arp::Table::ArpKey> written;
@@ -137,12 +155,14 @@ void TableMirror::syncAll(Namespace& ns) {
   for (const Arp::Table::ArpKey& key : arp_.keysOf(ns.vrfId))
     if (!written.count(key)) arp_.entryIs(key, std::nullopt);
   QTRACE(tracer, 1, "VRF " << ns.vrf << " synchronised: " << ns.tables.routes() << " routes, " << ns.tables.fecs()
-                           << " FECs, " << written.size() << " neighbours");
+                           << " FECs, " << ns.tables6.routes() << " IPv6 routes, " << written.size()
+                           << " neighbours");
 }
 
-void TableMirror::routeIs(Namespace& ns, const Pelt::Prefix& prefix) {
+template <class Tables>
+void TableMirror::routeIs(Namespace& ns, Tables& tables, const typename Tables::Prefix& prefix) {
   try {
-    ns.tables.routeIs(prefix, ns.model.wantedRoute(prefix));
+    tables.routeIs(prefix, ns.model.wantedRoute(prefix));
   } catch (const Quor::Exception& e) {
     QTRACE(tracer, 0, "route " << prefix << " of VRF " << ns.vrf << " not written: " << e.text());
   }

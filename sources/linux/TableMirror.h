@@ -1,6 +1,7 @@
 #pragma once
-// The table side of the Linux source, run in its own process (ipsnmp-linux-tables): the IPv4 routes
-// of every namespace's main table into the route and forwarding tables of its VRF, the IPv4
+// The table side of the Linux source, run in its own process (ipsnmp-linux-tables): the IPv4 and IPv6
+// routes of every namespace's main table into the route and forwarding tables of its VRF (one pair
+// per family), the IPv4
 // neighbours of all namespaces into the one ARP table, and an id for every VRF into the VRF-id
 // table.
 //
@@ -18,6 +19,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/pelt/VrfName.h"
 #include "sources/linux/NamespaceRoutes.h"
@@ -48,7 +50,13 @@ class TableMirror {
   void onReadable(Namespace& ns);
   void flush(Namespace& ns);
   void syncAll(Namespace& ns);
-  void routeIs(Namespace& ns, const Pelt::Prefix& prefix);
+  // The routes of either family: the kernel's and those the tables hold written anew, or all erased.
+  template <class Tables>
+  void syncRoutes(Namespace& ns, Tables& tables, const std::vector<typename Tables::Prefix>& kernel);
+  template <class Tables>
+  static void emptied(Tables& tables);
+  template <class Tables>
+  void routeIs(Namespace& ns, Tables& tables, const typename Tables::Prefix& prefix);
   void neighbourIs(Namespace& ns, const NamespaceRoutes::NeighbourKey& key);
   void sweepAbsentVrfs();
 

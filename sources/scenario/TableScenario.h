@@ -36,9 +36,13 @@ struct FecRun {
   friend bool operator==(const FecRun&, const FecRun&) = default;
 };
 
+// The IPv4 FECs and routes come in runs; the IPv6 ones, which fill tables of their own, are each
+// written out.
 struct FibScenario {
   std::vector<FecRun> fecs;
   std::vector<RouteRun> routes;
+  std::vector<Tarn::Fib::Fec6> fecs6;
+  std::vector<Tarn::Fib::Route6> routes6;
   friend bool operator==(const FibScenario&, const FibScenario&) = default;
 };
 

@@ -1,7 +1,9 @@
 #include "sources/scenario/TableSections.h"
 
+#include <array>
 #include <cctype>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 #include "platform/pelt/ParseText.h"
@@ -25,11 +27,19 @@ class TableReader {
     for (const Entry& e : c_.entries(entry.value, entry.mark, where, {"fecs", "routes"})) {
       if (e.key == "fecs")
         for (const Entry& f : c_.entries(e.value, e.mark, "fecs of " + where)) {
+          if (isFec6(f)) {
+            fib.fecs6.push_back(fec6(f, "FEC " + f.key + " of " + where));
+            continue;
+          }
           fib.fecs.push_back(fecRun(f, "FEC " + f.key + " of " + where));
           fecMarks.push_back(f.mark);
         }
       if (e.key == "routes")
         for (const Entry& r : c_.entries(e.value, e.mark, "routes of " + where)) {
+          if (Pelt::Ip6AddrWithMask::parse(r.key)) {
+            routes6(r, "route " + r.key + " of " + where, fib.routes6);
+            continue;
+          }
           fib.routes.push_back(routeRun(r, "route " + r.key + " of " + where));
           routeMarks.push_back(r.mark);
         }
@@ -74,6 +84,74 @@ class TableReader {
   }
 
  private:
+  // A FEC whose first via has an IPv6 next hop is an IPv6 FEC.
+  static bool isFec6(const Entry& entry) {
+    if (!entry.value.IsSequence() || entry.value.size() == 0 || !entry.value[0].IsScalar()) return false;
+    const std::string word = entry.value[0].Scalar();
+    return Pelt::Ip6Addr::parse(word.substr(0, word.find('@'))).has_value();
+  }
+
+  Tarn::Fib::Fec6 fec6(const Entry& entry, const std::string& where) {
+    Tarn::Fib::Fec6 fec;
+    auto id = Pelt::parseDecimal(entry.key, std::numeric_limits<U64>::max());
+    if (!id || *id == 0) c_.fail(entry.mark, "a FEC id must be a whole number from 1, not '" + entry.key + "'");
+    fec.fecId = Tarn::Fib::FecId(*id);
+    for (const YAML::Node& item : entry.value) {
+      YAML::Mark mark = Checker::markOf(item, entry.mark);
+      const std::string word = item.IsScalar() ? item.Scalar() : std::string();
+      const std::size_t at = word.find('@');
+      auto hop = Pelt::Ip6Addr::parse(word.substr(0, at));
+      if (!hop)
+        c_.fail(mark, "a via of " + where + " must be an IPv6 next hop with its interface such as fe80::1@Ethernet1" +
+                          Checker::shown(item));
+      if (fec.viaCount == Tarn::Fib::Fec6::maxVias)
+        c_.fail(entry.mark, where + " has more than " + std::to_string(Tarn::Fib::Fec6::maxVias) + " vias");
+      fec.viaAdd({*hop, at == std::string::npos ? Pelt::IntfId() : interface(word.substr(at + 1), mark, where)});
+    }
+    return fec;
+  }
+
+  // IPv6 routes: one, or a run of `count` routes, each the next block of the prefix's length.
+  void routes6(const Entry& entry, const std::string& where, std::vector<Tarn::Fib::Route6>& out) {
+    Tarn::Fib::Route6 route;
+    route.prefix = *Pelt::Ip6AddrWithMask::parse(entry.key);
+    route.routeType = Routing::Fib::routeTypeConnected;
+    U32 runLength = 1;
+    bool hasFec = false;
+    for (const Entry& e : c_.entries(entry.value, entry.mark, where, {"fec", "count", "type", "metric", "preference"})) {
+      if (e.key == "fec") {
+        route.fecId = Tarn::Fib::FecId(c_.number(e, where, 0, std::numeric_limits<U64>::max()));
+        hasFec = true;
+      }
+      if (e.key == "count") runLength = count(e, where);
+      if (e.key == "type") route.routeType = routeType(e, where);
+      if (e.key == "metric") route.metric = Routing::RouteMetric(static_cast<U32>(c_.number(e, where, 0, 0xffffffffu)));
+      if (e.key == "preference") route.preference = Routing::RoutePreference(static_cast<U8>(c_.number(e, where, 0, 255)));
+    }
+    if (!hasFec) c_.fail(entry.mark, where + " needs 'fec', the FEC it uses");
+    for (U32 i = 0; i < runLength; ++i) {
+      std::optional<Pelt::Ip6Addr> addr = blockAfter(route.prefix, i);
+      if (!addr) c_.fail(entry.mark, where + ": " + std::to_string(runLength) + " routes run past the last address");
+      Tarn::Fib::Route6 member = route;
+      member.prefix = Pelt::Ip6AddrWithMask(*addr, route.prefix.len());
+      out.push_back(member);
+    }
+  }
+
+  // The address `n` blocks of the prefix's length after the prefix's; none past the last address.
+  static std::optional<Pelt::Ip6Addr> blockAfter(const Pelt::Ip6AddrWithMask& prefix, U64 n) {
+    __extension__ using U128 = unsigned __int128;
+    const unsigned shift = 128u - prefix.len();
+    U128 value = 0;
+    for (U8 byte : prefix.addr().bytes()) value = value << 8 | byte;
+    const U128 step = shift >= 128 ? 0 : U128(1) << shift;
+    if (n && (step == 0 || (U128(~U128(0)) - value) / step < n)) return std::nullopt;
+    value += step * n;
+    std::array<U8, 16> bytes;
+    for (int i = 15; i >= 0; --i, value >>= 8) bytes[static_cast<std::size_t>(i)] = static_cast<U8>(value);
+    return Pelt::Ip6Addr::fromBytes(bytes.data());
+  }
+
   FecRun fecRun(const Entry& entry, const std::string& where) {
     FecRun run;
     auto id = Pelt::parseDecimal(entry.key, std::numeric_limits<U64>::max());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <filesystem>
+#include <map>
 #include <set>
 
 #include "platform/tarn/ArpStatus.h"
@@ -70,44 +71,44 @@ void syncRecords(const std::string& path, U64 needed, U32 usual, double lockWait
   table.commit();
 }
 
-void syncFecs(const std::string& path, const FibScenario& fib, const FibIndex& index, double lockWait,
+// One forwarding table: `want(id, fec)` fills the scenario's FEC of `id`, false when it has none;
+// `eachWanted(put)` calls put with every FEC the scenario gives.
+template <class Codec, class Want, class EachWanted>
+void syncFecs(const std::string& path, U64 needed, U64 chunks, double lockWait, Want want, EachWanted eachWanted,
               TableSyncCounts& counts) {
   using namespace Tarn::Fib;
-  const U64 needed = entriesOf(fib.fecs);
+  using Fec = typename Codec::Value;
+  using Record = typename Codec::Record;
   if (needed == 0 && !std::filesystem::exists(path)) return;
-  U64 chunks = chunkSlack;
-  for (const FecRun& run : fib.fecs) chunks += U64(run.count) * chunksFor(static_cast<U32>(run.vias.size()));
-  const std::string chunkPath = FecCodec::chunkFileOf(path);
-  FecWriter writer(path, sizeFor(Tarn::presentMaxMembers(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord)), needed,
-                                 FecWriter::defaultMaxFecs),
-                   sizeFor(Tarn::presentMaxMembers(chunkPath, FecCodec::chunkType, FecCodec::chunkKeySize, sizeof(FecChunkRecord)),
-                           chunks, FecWriter::defaultMaxChunks),
-                   lockWait);
+  const std::string chunkPath = Codec::chunkFileOf(path);
+  BasicFecWriter<Codec> writer(
+      path, sizeFor(Tarn::presentMaxMembers(path, Codec::type, Codec::keySize, sizeof(Record)), needed, FecWriter::defaultMaxFecs),
+      sizeFor(Tarn::presentMaxMembers(chunkPath, Codec::chunkType, Codec::chunkKeySize, sizeof(typename Codec::ChunkRecord)),
+              chunks + chunkSlack, FecWriter::defaultMaxChunks),
+      lockWait);
 
   // What the file holds, read back through a reader while the writer keeps others out.
   std::vector<FecId> gone, same;
-  auto reader = Tarn::TableReader::open(path, FecCodec::type, FecCodec::keySize, sizeof(FecRecord));
-  const FecCodec codec(path);
-  Fec present, want;
-  FecRecord record;
+  auto reader = Tarn::TableReader::open(path, Codec::type, Codec::keySize, sizeof(Record));
+  const Codec codec(path);
+  Fec present, wanted;
+  Record record;
   for (U32 slot = reader->nextOccupied(0, &record); slot < reader->capacity();
        slot = reader->nextOccupied(slot + 1, &record)) {
-    present = FecCodec::decode(record);
-    if (!index.fec(present.fecId, &want))
+    present = Codec::decode(record);
+    if (!want(present.fecId, &wanted))
       gone.push_back(present.fecId);
-    else if (codec.complete(record, &present) && present == want)
+    else if (codec.complete(record, &present) && present == wanted)
       same.push_back(present.fecId);
   }
   std::sort(same.begin(), same.end());
   for (FecId id : gone) writer.erase(id);
   counts.erased += gone.size();
-  for (const FecRun& run : fib.fecs)
-    for (U64 i = 0; i < run.count; ++i) {
-      fecOf(run, i, &want);
-      if (std::binary_search(same.begin(), same.end(), want.fecId)) continue;
-      writer.put(want);
-      ++counts.written;
-    }
+  eachWanted([&](const Fec& fec) {
+    if (std::binary_search(same.begin(), same.end(), fec.fecId)) return;
+    writer.put(fec);
+    ++counts.written;
+  });
   writer.commit();
 }
 
@@ -115,7 +116,20 @@ void syncFib(const std::string& root, const L3::VrfName& vrf, const FibScenario&
              TableSyncCounts& counts) {
   using namespace Tarn::Fib;
   const FibIndex index(fib);
-  syncFecs(root + "/" + forwardingPathOf(vrf) + "/" + ForwardingStatus::attributeName, fib, index, lockWait, counts);
+  U64 chunks = 0;
+  for (const FecRun& run : fib.fecs) chunks += U64(run.count) * chunksFor(static_cast<U32>(run.vias.size()));
+  syncFecs<FecCodec>(
+      root + "/" + forwardingPathOf(vrf) + "/" + ForwardingStatus::attributeName, entriesOf(fib.fecs), chunks, lockWait,
+      [&](FecId id, Fec* fec) { return index.fec(id, fec); },
+      [&](auto put) {
+        Fec fec;
+        for (const FecRun& run : fib.fecs)
+          for (U64 i = 0; i < run.count; ++i) {
+            fecOf(run, i, &fec);
+            put(fec);
+          }
+      },
+      counts);
   syncRecords<RouteCodec>(
       root + "/" + routePathOf(vrf) + "/" + RouteStatus::attributeName, entriesOf(fib.routes), Tarn::usualRoutes, lockWait,
       [&](const Pelt::Prefix& prefix) { return index.route(prefix).has_value(); },
@@ -124,12 +138,40 @@ void syncFib(const std::string& root, const L3::VrfName& vrf, const FibScenario&
           for (U64 i = 0; i < run.count; ++i) put(routeOf(run, i));
       },
       counts);
+
+  std::map<FecId, const Fec6*> fecs6;
+  U64 chunks6 = 0;
+  for (const Fec6& fec : fib.fecs6) {
+    fecs6[fec.fecId] = &fec;
+    chunks6 += chunksFor(fec.viaCount);
+  }
+  syncFecs<Fec6Codec>(
+      root + "/" + forwarding6PathOf(vrf) + "/" + Forwarding6Status::attributeName, fib.fecs6.size(), chunks6, lockWait,
+      [&](FecId id, Fec6* fec) {
+        auto it = fecs6.find(id);
+        if (it != fecs6.end()) *fec = *it->second;
+        return it != fecs6.end();
+      },
+      [&](auto put) {
+        for (const auto& [id, fec] : fecs6) put(*fec);
+      },
+      counts);
+  std::map<Pelt::Ip6AddrWithMask, const Route6*> routes6;
+  for (const Route6& route : fib.routes6) routes6[route.prefix] = &route;
+  syncRecords<Route6Codec>(
+      root + "/" + route6PathOf(vrf) + "/" + Route6Status::attributeName, routes6.size(), Tarn::usualRoutes, lockWait,
+      [&](const Pelt::Ip6AddrWithMask& prefix) { return routes6.count(prefix) > 0; },
+      [&](auto put) {
+        for (const auto& [prefix, route] : routes6) put(*route);
+      },
+      counts);
 }
 
 // The VRFs that have tables under the root, besides the default one.
 std::set<L3::VrfName> vrfsWithTables(const std::string& root) {
   std::set<L3::VrfName> vrfs;
-  for (const char* format : {Tarn::Fib::vrfRoutePathFormat, Tarn::Fib::vrfForwardingPathFormat}) {
+  for (const char* format : {Tarn::Fib::vrfRoutePathFormat, Tarn::Fib::vrfForwardingPathFormat,
+                             Tarn::Fib::vrfRoute6PathFormat, Tarn::Fib::vrfForwarding6PathFormat}) {
     std::string dir = root + "/" + std::string(format).substr(0, std::string(format).rfind('/'));
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator(dir, ignored)) {

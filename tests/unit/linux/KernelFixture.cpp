@@ -66,28 +66,42 @@ void forEachRecord(const fs::path& file, std::string_view type, U32 keySize, Vis
 
 }  // namespace
 
-std::map<Pelt::Prefix, Tarn::Fib::Route> readRoutes(const fs::path& root, const std::string& vrf) {
-  using Codec = Tarn::Fib::RouteCodec;
-  std::map<Pelt::Prefix, Tarn::Fib::Route> routes;
-  forEachRecord<Codec::Record>(root / Tarn::Fib::routePathOf(L3::VrfName(vrf)) / "route", Codec::type, Codec::keySize,
-                               [&](const Codec::Record& r) {
-                                 Tarn::Fib::Route route = Codec::decode(r);
-                                 routes[route.prefix] = route;
-                               });
+template <class Codec>
+std::map<typename Codec::Key, typename Codec::Value> readRouteFile(const fs::path& file) {
+  std::map<typename Codec::Key, typename Codec::Value> routes;
+  forEachRecord<typename Codec::Record>(file, Codec::type, Codec::keySize, [&](const typename Codec::Record& r) {
+    const typename Codec::Value route = Codec::decode(r);
+    routes[route.prefix] = route;
+  });
   return routes;
 }
 
-std::map<U64, Tarn::Fib::Fec> readFecs(const fs::path& root, const std::string& vrf) {
-  using Tarn::Fib::FecCodec;
-  const fs::path file = root / Tarn::Fib::forwardingPathOf(L3::VrfName(vrf)) / "fec";
-  FecCodec codec(file.string());
-  std::map<U64, Tarn::Fib::Fec> fecs;
-  forEachRecord<Tarn::Fib::FecRecord>(file, FecCodec::type, FecCodec::keySize, [&](const Tarn::Fib::FecRecord& r) {
-    Tarn::Fib::Fec fec = FecCodec::decode(r);
+template <class Codec>
+std::map<U64, typename Codec::Value> readFecFile(const fs::path& file) {
+  Codec codec(file.string());
+  std::map<U64, typename Codec::Value> fecs;
+  forEachRecord<typename Codec::Record>(file, Codec::type, Codec::keySize, [&](const typename Codec::Record& r) {
+    typename Codec::Value fec = Codec::decode(r);
     EXPECT_TRUE(codec.complete(r, &fec)) << "FEC " << r.fecId << " has all its chunks";
     fecs[r.fecId] = fec;
   });
   return fecs;
+}
+
+std::map<Pelt::Prefix, Tarn::Fib::Route> readRoutes(const fs::path& root, const std::string& vrf) {
+  return readRouteFile<Tarn::Fib::RouteCodec>(root / Tarn::Fib::routePathOf(L3::VrfName(vrf)) / "route");
+}
+
+std::map<U64, Tarn::Fib::Fec> readFecs(const fs::path& root, const std::string& vrf) {
+  return readFecFile<Tarn::Fib::FecCodec>(root / Tarn::Fib::forwardingPathOf(L3::VrfName(vrf)) / "fec");
+}
+
+std::map<Pelt::Ip6AddrWithMask, Tarn::Fib::Route6> readRoutes6(const fs::path& root, const std::string& vrf) {
+  return readRouteFile<Tarn::Fib::Route6Codec>(root / Tarn::Fib::route6PathOf(L3::VrfName(vrf)) / "route");
+}
+
+std::map<U64, Tarn::Fib::Fec6> readFecs6(const fs::path& root, const std::string& vrf) {
+  return readFecFile<Tarn::Fib::Fec6Codec>(root / Tarn::Fib::forwarding6PathOf(L3::VrfName(vrf)) / "fec");
 }
 
 std::vector<Arp::Table::ArpEntry> readArp(const fs::path& root) {

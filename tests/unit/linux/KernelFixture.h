@@ -32,6 +32,8 @@ bool runUntil(const std::function<bool()>& done, double seconds = 10);
 // The tables as a reader finds them under `root`.
 std::map<Pelt::Prefix, Tarn::Fib::Route> readRoutes(const std::filesystem::path& root, const std::string& vrf);
 std::map<U64, Tarn::Fib::Fec> readFecs(const std::filesystem::path& root, const std::string& vrf);
+std::map<Pelt::Ip6AddrWithMask, Tarn::Fib::Route6> readRoutes6(const std::filesystem::path& root, const std::string& vrf);
+std::map<U64, Tarn::Fib::Fec6> readFecs6(const std::filesystem::path& root, const std::string& vrf);
 std::vector<Arp::Table::ArpEntry> readArp(const std::filesystem::path& root);
 std::map<std::string, U32> readVrfIds(const std::filesystem::path& root);
 

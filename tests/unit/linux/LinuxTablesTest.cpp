@@ -1,6 +1,6 @@
 // The table side of the Linux source against a kernel: routes (ECMP, connected, static, dropped,
-// by nexthop object), FECs, neighbours and VRF ids, compared with what ip(8) shows; and the writer
-// process kept running by the agent's source.
+// by nexthop object), IPv6 routes, FECs, neighbours and VRF ids, compared with what ip(8) shows; and
+// the writer process kept running by the agent's source.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -218,6 +218,38 @@ TEST_F(LinuxTables, RoutesByNexthopObjectFollowTheirObjects) {
     EXPECT_EQ(routesOfTables(vrf), routesOfIp(ns, vrf));
     EXPECT_EQ(routeInTables(step.prefix), step.route);
   }
+}
+
+// A veth into a VRF's namespace with an IPv6 address and a route through the peer: the route, the
+// connected prefix and the link-local one land in the VRF's IPv6 tables, and the route goes with it.
+TEST_F(LinuxTables, Ipv6RoutesOfTheMainTableFillTheIpv6Tables) {
+  makeVrf("a");
+  const std::string ip = "ip -n " + netns("a") + " ", vrf = this->vrf("a");
+  must("ip link add lt6a0 type veth peer name lt6a1");
+  must("ip link set lt6a1 netns " + netns("a"));
+  must("ip link set lt6a0 up");
+  must(ip + "addr add 2001:db8:60::2/64 dev lt6a1 nodad");
+  must(ip + "link set lt6a1 up");
+  must(ip + "route add 2001:db8:70::/48 via 2001:db8:60::1 metric 7");
+  Sources::Linux::TableMirror mirror(tableRoot, "/var/run/netns");
+  ASSERT_TRUE(runUntil([&] { return mirror.initialized(); }));
+
+  const Pelt::Ip6AddrWithMask routed("2001:db8:70::/48"), connected("2001:db8:60::/64"), linkLocal("fe80::/64");
+  ASSERT_TRUE(runUntil([&] { return LinuxTest::readRoutes6(tableRoot, vrf).count(routed) > 0; }));
+  const auto routes = LinuxTest::readRoutes6(tableRoot, vrf);
+  const auto fecs = LinuxTest::readFecs6(tableRoot, vrf);
+  EXPECT_EQ(routes.count(connected) + routes.count(linkLocal), 2u);
+  const Tarn::Fib::Route6& route = routes.at(routed);
+  EXPECT_EQ(route.metric.value(), 7u);
+  ASSERT_TRUE(fecs.count(route.fecId.value()));
+  const Tarn::Fib::Fec6& fec = fecs.at(route.fecId.value());
+  ASSERT_EQ(fec.viaCount, 1u);
+  EXPECT_EQ(fec.vias[0].hop, Pelt::Ip6Addr("2001:db8:60::1"));
+  EXPECT_EQ(fec.vias[0].intfId.stringValue().view(), vrf + ":lt6a1");
+  EXPECT_TRUE(LinuxTest::readRoutes(tableRoot, vrf).empty()) << "no IPv4 route of the namespace's";
+
+  must(ip + "route del 2001:db8:70::/48");
+  EXPECT_TRUE(runUntil([&] { return LinuxTest::readRoutes6(tableRoot, vrf).count(routed) == 0; }));
 }
 
 TEST_F(LinuxTables, VrfThatGoesLeavesEmptyTablesAndNoId) {

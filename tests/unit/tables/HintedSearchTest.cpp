@@ -11,6 +11,7 @@
 // the first instance above the request, a GET the instance itself or none. The route table of the
 // context "tos" holds keys with a type of service other than 0, which the index does not show: its
 // rows are not in index order and share indexes, and only the comparison with hints off holds there.
+// inetCidrRouteTable shows the IPv4 rows of ipCidrRouteTable, then the IPv6 rows.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,6 +54,14 @@ const Table tables[] = {
      {Component::address, Component::address, Component::number, Component::address}, true},
     {"ipCidrRouteTable", "tos", oidOf("1.3.6.1.2.1.4.24.4.1"),
      {Component::address, Component::address, Component::number, Component::address}, false},
+    {"inetCidrRouteTable", "", oidOf("1.3.6.1.2.1.4.24.7.1"),
+     {Component::number, Component::octets, Component::number, Component::octets, Component::number,
+      Component::octets},
+     true},
+    {"inetCidrRouteTable", "tos", oidOf("1.3.6.1.2.1.4.24.7.1"),
+     {Component::number, Component::octets, Component::number, Component::octets, Component::number,
+      Component::octets},
+     false},
     {"ipAddrTable", "", oidOf("1.3.6.1.2.1.4.20.1"), {Component::address}, true},
     {"ipNetToMediaTable", "", oidOf("1.3.6.1.2.1.4.22.1"), {Component::number, Component::address}, true},
     {"ipAddressPrefixTable", "", oidOf("1.3.6.1.2.1.4.32.1"),
@@ -255,6 +264,13 @@ class HintedSearchTest : public ::testing::Test {
     TableTest::addRoute(mib, "10.1.0.1", 32, "0.0.0.0");
     TableTest::addRoute(mib, "172.16.0.0", 12, "192.0.2.3");
     TableTest::addRoute(mib, "255.255.255.255", 32, "255.255.255.255");
+    // IPv6: connected, ECMP over a global and two link-local next hops of one address, the highest.
+    TableTest::addRoute6(mib, "::", 0, "2001:db8::fe");
+    TableTest::addRoute6(mib, "2001:db8:1::", 64, "::", 2);
+    for (U32 ifIndex : {1u, 2u, 4294967295u}) TableTest::addRoute6(mib, "2001:db8:2::", 48, "fe80::1", ifIndex);
+    TableTest::addRoute6(mib, "2001:db8:2::", 48, "2001:db8::9");
+    TableTest::addRoute6(mib, "2001:db8:2::", 56, "fe80::2", 3);
+    TableTest::addRoute6(mib, "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", 128, "ffff::1");
   }
 
   Quor::Ptr<Arp::Table::Status> arp = Quor::makePtr<Arp::Table::Status>(Quor::Name("arp/status"));

@@ -56,6 +56,14 @@ Quor::ValidPtr<IpSnmp::IpCidrRouteTableEntry> addRoute(IpSnmp::IpForwardMib& mib
                                 Routing::RoutePreference(preference), Routing::Fib::routeTypeStaticConfig);
 }
 
+Quor::ValidPtr<IpSnmp::InetCidrRoute6Entry> addRoute6(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+                                                      const char* nextHop, U32 ifIndex, U32 metric, U8 preference) {
+  const auto key = IpSnmp::InetCidrRoute6Index::of(Pelt::Ip6Addr(dest), static_cast<U8>(length),
+                                                    Pelt::Ip6Addr(nextHop), ifIndex);
+  return mib.inetCidrRoute6TableIs(key, ifIndex, Routing::RouteMetric(metric), Routing::RoutePreference(preference),
+                                   Routing::Fib::routeTypeStaticConfig);
+}
+
 void addRoutes(IpSnmp::IpForwardMib& mib, std::size_t count) {
   const Pelt::IpAddr nextHop(192, 0, 2, 1);
   const Pelt::IpAddr mask = IpSnmp::maskOfLength(24);
