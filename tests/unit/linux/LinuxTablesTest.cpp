@@ -250,6 +250,15 @@ TEST_F(LinuxTables, Ipv6RoutesOfTheMainTableFillTheIpv6Tables) {
 
   must(ip + "route del 2001:db8:70::/48");
   EXPECT_TRUE(runUntil([&] { return LinuxTest::readRoutes6(tableRoot, vrf).count(routed) == 0; }));
+
+  // By nexthop object alone, as FRR installs routes: the object's IPv6 gateway is the next hop.
+  must("ip netns exec " + netns("a") + " sysctl -qw net.ipv4.nexthop_compat_mode=0");
+  must(ip + "nexthop add id 61 via 2001:db8:60::1 dev lt6a1");
+  must(ip + "route add 2001:db8:70::/48 nhid 61");
+  ASSERT_TRUE(runUntil([&] { return LinuxTest::readRoutes6(tableRoot, vrf).count(routed) > 0; }));
+  const auto byObject = LinuxTest::readFecs6(tableRoot, vrf).at(LinuxTest::readRoutes6(tableRoot, vrf).at(routed).fecId.value());
+  ASSERT_EQ(byObject.viaCount, 1u);
+  EXPECT_EQ(byObject.vias[0].hop, Pelt::Ip6Addr("2001:db8:60::1"));
 }
 
 TEST_F(LinuxTables, VrfThatGoesLeavesEmptyTablesAndNoId) {
