@@ -87,12 +87,7 @@ Quor::ValidPtr<FibUtils::FecRouteListSm> IpRouteTableSm::fecRouteListSmIs(
   return fecRouteListSm_;
 }
 
-Quor::ValidPtr<IpRouteTableSm::QuorBacklog> IpRouteTableSm::backlogIs(const Pelt::Prefix& prefix, bool value) {
-  if (QuorBacklog* member = backlog_.member(prefix)) return member;
-  auto member = Quor::makePtr<QuorBacklog>(prefix, value);
-  backlog_.memberIs(member);
-  return member;
-}
+void IpRouteTableSm::backlogIs(const Pelt::Prefix& prefix, bool) { backlog_.memberIs(prefix); }
 
 Quor::ValidPtr<PrefixList> IpRouteTableSm::intfDepIs(const Pelt::IntfId& intfId) {
   if (PrefixList* member = intfDep_.member(intfId)) return member;

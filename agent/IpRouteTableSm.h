@@ -34,6 +34,7 @@
 #include <unordered_set>
 
 #include "agent/PrefixList.h"
+#include "agent/PrefixSet.h"
 #include "agent/QuorOutputTable.h"
 #include "model/IpForwardMib.h"
 #include "platform/morvane/IntfStatus.h"
@@ -51,9 +52,8 @@ class IpRouteTableSm : public Quor::Reactor {
   class QuorForwardingStatus;
   class QuorClock;
   using QuorIpForwardMib = QuorOutputTable<IpForwardMib>;
-  // The backlog is a set of prefixes under the prefix hash, as a PrefixList is.
-  using QuorBacklog = PrefixList::QuorPrefix;
-  using Backlog = PrefixList::Prefixes;
+  // The backlog is a set of prefixes in the order of the prefix hash, as a PrefixList's.
+  using Backlog = PrefixSet;
   using IntfDep = Quor::HashMap<PrefixList, Pelt::IntfId>;
 
   static constexpr double defaultBacklogQuantum = 0.01;
@@ -89,11 +89,13 @@ class IpRouteTableSm : public Quor::Reactor {
       const Quor::Ptr<Tarn::Fib::FecRouteList>& fecRouteList);
 
   const Backlog& backlog() const noexcept { return backlog_; }
-  QuorBacklog* backlog(const Pelt::Prefix& prefix) const { return backlog_.member(prefix); }
-  // Marks the prefix; a prefix already marked stays as it is.
-  Quor::ValidPtr<QuorBacklog> backlogIs(const Pelt::Prefix& prefix, bool value);
-  Quor::Ptr<QuorBacklog> backlogDel(const Pelt::Prefix& prefix) { return backlog_.deleteMember(prefix); }
-  Quor::Ptr<QuorBacklog> backlogDel(const Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
+  bool backlog(const Pelt::Prefix& prefix) const { return backlog_.member(prefix); }
+  // Marks the prefix; a prefix already marked stays as it is. The backlog is a set: every writer
+  // marks with true, and the bool is not kept.
+  void backlogIs(const Pelt::Prefix& prefix, bool value);
+  // Unmarks the prefix; false when it was not marked.
+  bool backlogDel(const Pelt::Prefix& prefix) { return backlog_.deleteMember(prefix); }
+  bool backlogDel(const Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
 
   const IntfDep& intfDep() const noexcept { return intfDep_; }
   PrefixList* intfDep(const Pelt::IntfId& intfId) const { return intfDep_.member(intfId); }

@@ -87,17 +87,21 @@ TEST(IpForwardMibTable, ChangedRouteValuesAreRefusedNotUpdated) {
   IpCidrRouteTableIndex key(ip("10.0.0.0"), ip("255.0.0.0"), 0, ip("1.1.1.1"));
   auto row = mib->ipCidrRouteTableIs(key, 7, Routing::RouteMetric(10), Routing::RoutePreference(1),
                                      Routing::Fib::RouteType(8));
+  // The same values again give the row there is: no second row, no failure.
   EXPECT_EQ(mib->ipCidrRouteTableIs(key, 7, Routing::RouteMetric(10), Routing::RoutePreference(1),
                                     Routing::Fib::RouteType(8))
-                .ptr(),
-            row.ptr());
+                .index(),
+            row.index());
+  EXPECT_EQ(mib->ipCidrRouteTables(), 1u);
   EXPECT_EQ(failureOf([&] {
               mib->ipCidrRouteTableIs(key, 7, Routing::RouteMetric(20), Routing::RoutePreference(1),
                                       Routing::Fib::RouteType(8));
             }),
             "Reinstantiating the pointer interface where constructor parameter attribute _metric has a different "
             "value of 20 than the current value of 10 not allowed");
-  EXPECT_EQ(row->metric(), Routing::RouteMetric(10));
+  const IpCidrRouteTableEntry* kept = mib->ipCidrRouteTable(key);
+  ASSERT_NE(kept, nullptr);
+  EXPECT_EQ(kept->metric(), Routing::RouteMetric(10));
   EXPECT_EQ(mib->ipCidrRouteTables(), 1u);
   mib->ipCidrRouteTableDel(key);
   EXPECT_EQ(mib->ipCidrRouteTables(), 0u);

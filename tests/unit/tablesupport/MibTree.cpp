@@ -53,9 +53,9 @@ IpSnmp::IpCidrRouteTableIndex routeKey(const char* dest, unsigned length, const 
   return {Pelt::IpAddr(dest), IpSnmp::maskOfLength(length), tos, Pelt::IpAddr(nextHop)};
 }
 
-Quor::ValidPtr<IpSnmp::IpCidrRouteTableEntry> addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
-                                                        const char* nextHop, U32 ifIndex, U32 metric, U8 preference,
-                                                        U32 tos) {
+IpSnmp::IpCidrRouteTableEntry addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+                                       const char* nextHop, U32 ifIndex, U32 metric, U8 preference,
+                                       U32 tos) {
   return mib.ipCidrRouteTableIs(routeKey(dest, length, nextHop, tos), ifIndex, Routing::RouteMetric(metric),
                                 Routing::RoutePreference(preference), Routing::Fib::routeTypeStaticConfig);
 }

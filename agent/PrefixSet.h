@@ -1,0 +1,76 @@
+#pragma once
+// A set of route prefixes walked in the order of a Quor::HashMap keyed by prefix: by the prefix's
+// hash bit-reversed, then by prefix. It is the route machine's backlog, which a route table written
+// while the machine runs fills with every prefix of the table at once, so its members are 12-byte
+// values in a Quor::BlockMap (about 14 bytes a prefix) instead of a heap object and a bucket each;
+// the blocks that a draining backlog lets go are the size of those of ipCidrRouteTable, which takes
+// them over as its rows come. The walk's guarantees are those of CollectionIterator: a walk may
+// remove the member it stands on, and resumes at a remembered prefix (startAtHash) after any change.
+#include "platform/pelt/Prefix.h"
+#include "platform/quor/BlockMap.h"
+#include "platform/quor/HashMap.h"
+
+namespace IpSnmp {
+
+// A member's place in the walk of a PrefixSet.
+struct PrefixPlace {
+  U32 revHash = 0;
+  Pelt::Prefix prefix;
+  static PrefixPlace of(const Pelt::Prefix& prefix) { return {Quor::bitReverse(prefix.hash()), prefix}; }
+  friend bool operator==(const PrefixPlace&, const PrefixPlace&) = default;
+  friend bool operator<(const PrefixPlace& a, const PrefixPlace& b) noexcept {
+    return a.revHash != b.revHash ? a.revHash < b.revHash : a.prefix < b.prefix;
+  }
+};
+
+class PrefixSet {
+ public:
+  using Place = PrefixPlace;
+  struct Member {
+    Place place;
+    const Place& fwkKey() const noexcept { return place; }
+  };
+  using Places = Quor::BlockMap<Member, Place>;
+
+  class IteratorConst {
+   public:
+    using Key = Pelt::Prefix;
+    IteratorConst() = default;
+    explicit IteratorConst(Places::IteratorConst at) : at_(at) {}
+    explicit operator bool() const noexcept { return static_cast<bool>(at_); }
+    bool atEnd() const noexcept { return at_.atEnd(); }
+    const Pelt::Prefix& key() const noexcept { return at_.key().prefix; }
+    void advance() { at_.advance(); }
+    IteratorConst& operator++() {
+      advance();
+      return *this;
+    }
+
+   private:
+    Places::IteratorConst at_;
+  };
+  using Iterator = IteratorConst;
+
+  std::size_t members() const noexcept { return places_.members(); }
+  bool member(const Pelt::Prefix& prefix) const { return places_.member(Place::of(prefix)) != nullptr; }
+  // Adds `prefix`; false when it was a member already.
+  bool memberIs(const Pelt::Prefix& prefix) {
+    const Place place = Place::of(prefix);
+    if (places_.member(place)) return false;
+    places_.memberIs(Member{place});
+    return true;
+  }
+  // Removes `prefix`; false when it was not a member.
+  bool deleteMember(const Pelt::Prefix& prefix) { return places_.deleteMember(Place::of(prefix)); }
+
+  IteratorConst begin() const { return IteratorConst(places_.begin()); }
+  // The first member at or after `prefix`'s place in the walk, whether or not it is a member.
+  IteratorConst startAtHash(const Pelt::Prefix& prefix) const { return IteratorConst(places_.startAt(Place::of(prefix))); }
+  // The first member strictly after `prefix`'s place.
+  IteratorConst findNextG(const Pelt::Prefix& prefix) const { return IteratorConst(places_.findNext(Place::of(prefix))); }
+
+ private:
+  Places places_;
+};
+
+}  // namespace IpSnmp
