@@ -96,11 +96,8 @@ auto BasicIpRouteTableSm<Family>::fecRouteListSmIs(const Quor::Ptr<const RouteSt
 }
 
 template <class Family>
-auto BasicIpRouteTableSm<Family>::backlogIs(const Prefix& prefix, bool value) -> Quor::ValidPtr<QuorBacklog> {
-  if (QuorBacklog* member = backlog_.member(prefix)) return member;
-  auto member = Quor::makePtr<QuorBacklog>(prefix, value);
-  backlog_.memberIs(member);
-  return member;
+void BasicIpRouteTableSm<Family>::backlogIs(const Prefix& prefix, bool) {
+  backlog_.memberIs(prefix);
 }
 
 template <class Family>

@@ -60,9 +60,8 @@ class BasicIpRouteTableSm : public Quor::Reactor {
   class QuorForwardingStatus;
   class QuorClock;
   using QuorIpForwardMib = QuorOutputTable<IpForwardMib>;
-  // The backlog is a set of prefixes under the prefix hash, as a PrefixList is.
-  using QuorBacklog = typename PrefixList::QuorPrefix;
-  using Backlog = typename PrefixList::Prefixes;
+  // The backlog is a set of prefixes in the order of the prefix hash, as a PrefixList's.
+  using Backlog = typename Family::PrefixSet;
   using IntfDep = Quor::HashMap<PrefixList, Pelt::IntfId>;
 
   static constexpr double defaultBacklogQuantum = 0.01;
@@ -97,11 +96,13 @@ class BasicIpRouteTableSm : public Quor::Reactor {
                                                   const Quor::Ptr<FecRouteList>& fecRouteList);
 
   const Backlog& backlog() const noexcept { return backlog_; }
-  QuorBacklog* backlog(const Prefix& prefix) const { return backlog_.member(prefix); }
-  // Marks the prefix; a prefix already marked stays as it is.
-  Quor::ValidPtr<QuorBacklog> backlogIs(const Prefix& prefix, bool value);
-  Quor::Ptr<QuorBacklog> backlogDel(const Prefix& prefix) { return backlog_.deleteMember(prefix); }
-  Quor::Ptr<QuorBacklog> backlogDel(const typename Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
+  bool backlog(const Prefix& prefix) const { return backlog_.member(prefix); }
+  // Marks the prefix; a prefix already marked stays as it is. The backlog is a set: every writer
+  // marks with true, and the bool is not kept.
+  void backlogIs(const Prefix& prefix, bool value);
+  // Unmarks the prefix; false when it was not marked.
+  bool backlogDel(const Prefix& prefix) { return backlog_.deleteMember(prefix); }
+  bool backlogDel(const typename Backlog::Iterator& at) { return backlog_.deleteMember(at.key()); }
 
   const IntfDep& intfDep() const noexcept { return intfDep_; }
   PrefixList* intfDep(const Pelt::IntfId& intfId) const { return intfDep_.member(intfId); }

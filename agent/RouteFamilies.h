@@ -3,6 +3,7 @@
 // prefix's rows are written into the VRF's IpForwardMib, ipCidrRouteTable for IPv4 and the IPv6 rows
 // of inetCidrRouteTable for IPv6.
 #include "agent/PrefixList.h"
+#include "agent/PrefixSet.h"
 #include "model/IpForwardMib.h"
 #include "platform/tarn/FecRouteListSm.h"
 
@@ -15,6 +16,7 @@ struct Ipv4Routes {
   using FecRouteListSm = FibUtils::FecRouteListSm;
   using Via = Tarn::Fib::Via;
   using PrefixList = IpSnmp::PrefixList;
+  using PrefixSet = IpSnmp::PrefixSet;
 
   // Deletes every row of `prefix`.
   static void rowsDel(IpForwardMib& mib, const Prefix& prefix);
@@ -30,6 +32,7 @@ struct Ipv6Routes {
   using FecRouteListSm = FibUtils::FecRoute6ListSm;
   using Via = Tarn::Fib::Via6;
   using PrefixList = IpSnmp::Prefix6List;
+  using PrefixSet = IpSnmp::Prefix6Set;
 
   static void rowsDel(IpForwardMib& mib, const Prefix& prefix);
   static void rowIs(IpForwardMib& mib, const Prefix& prefix, const Via& via, U32 ifIndex,

@@ -8,8 +8,8 @@
 
 namespace IpSnmp {
 
-// Takes the machines and containers out of `root`: the ARP machine goes at once, the route machine
-// (its backlog first), the neighbours' rows and the route rows go to the reaper in that order.
+// Takes the machines and containers out of `root`: the ARP machine, the route machine and the route
+// rows (values in blocks) go at once, the neighbours' rows to the reaper.
 void reapVrfRemains(VrfRoot& root);
 
 }  // namespace IpSnmp

@@ -2,9 +2,9 @@
 // The iterated table frame: the six functions that every table of the front end gives the
 // table-iterator helper of net-snmp, written once over a table's traits.
 //
-// Data contexts are heap copies of the table's const iterator, which pins its row with a strong
-// reference: the row stays readable after its removal, and the iterator finds its place again by key
-// when the table's version has changed since it last stepped. A loop context is such an iterator and,
+// Data contexts are copies of the table's const iterator (from a ContextPool), which pins its row:
+// the row stays readable after its removal, and the iterator finds its place again by key when the
+// table's version has changed since it last stepped. A loop context is such an iterator and,
 // for a GET that the hint placed, the last key whose row could answer it. Nothing is kept between
 // requests; a request finds its place from its index alone, through the hint (IteratorHint.h):
 //   - a hint that names an existing row starts the search at that row;
@@ -28,6 +28,7 @@
 #include <tuple>
 #include <utility>
 
+#include "frontend/ContextPool.h"
 #include "frontend/IndexComponents.h"
 #include "frontend/IteratorHint.h"
 #include "platform/quor/Exception.h"
@@ -135,12 +136,12 @@ class IteratedTable {
 
   static netsnmp_variable_list* getFirstDataPoint(void** loopContext, void**, netsnmp_variable_list* putIndexData,
                                                   netsnmp_iterator_info* iinfo) {
-    std::unique_ptr<Loop> loop;
+    std::unique_ptr<Loop, FreeLoop> loop;
     IteratorHint hint;
     if constexpr (T::hinted) hint = takeIteratorHint(*loopContext);
     if (const auto* container = static_cast<const typename T::Container*>(iinfo->myvoid)) {
       const Collection& table = T::collection(*container);
-      loop = std::make_unique<Loop>(table.begin());
+      loop.reset(ContextPool<Loop>::make(table.begin()));
       if constexpr (T::hinted) {
         QTRACE(tableTracer(), 2,
                T::name << "_get_first_data_point - *hint = " << static_cast<const void*>(hint.index)
@@ -175,7 +176,7 @@ class IteratedTable {
 
   static void* makeDataContext(void* loopContext, netsnmp_iterator_info*) {
     const auto* loop = static_cast<const Loop*>(loopContext);
-    Iterator* data = loop ? new Iterator(loop->row) : nullptr;
+    Iterator* data = loop ? ContextPool<Iterator>::make(loop->row) : nullptr;
     QTRACE(tableTracer(), 2,
            T::name << "_make_data_context - allocated data context " << static_cast<const void*>(data)
                    << " for loop context " << loopContext);
@@ -184,12 +185,12 @@ class IteratedTable {
 
   static void freeDataContext(void* dataContext, netsnmp_iterator_info*) {
     QTRACE(tableTracer(), 2, T::name << "_free_data_context " << dataContext);
-    delete static_cast<Iterator*>(dataContext);
+    ContextPool<Iterator>::free(static_cast<Iterator*>(dataContext));
   }
 
   static void freeLoopContextAtEnd(void* loopContext, netsnmp_iterator_info*) {
     QTRACE(tableTracer(), 2, T::name << "_free_loop_context_at_end " << loopContext);
-    delete static_cast<Loop*>(loopContext);
+    ContextPool<Loop>::free(static_cast<Loop*>(loopContext));
   }
 
   static int handler(netsnmp_mib_handler*, netsnmp_handler_registration*, netsnmp_agent_request_info* reqinfo,
@@ -232,6 +233,9 @@ class IteratedTable {
     Start start;
     std::optional<Key> last;
     bool atEnd() const { return row.atEnd() || (last && *last < row.key()); }
+  };
+  struct FreeLoop {
+    void operator()(Loop* loop) const noexcept { ContextPool<Loop>::free(loop); }
   };
 
   static netsnmp_variable_list* iterationHelper(const Loop* loop, netsnmp_variable_list* putIndexData) {

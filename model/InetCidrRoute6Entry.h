@@ -1,12 +1,11 @@
 #pragma once
 // One IPv6 row of inetCidrRouteTable: one next hop of one IPv6 route, under its key. Like an IPv4
-// row, everything but the key is fixed at creation.
+// row, a plain value fixed at creation, kept by value in its table (Quor::BlockMap).
 #include <iosfwd>
 
 #include "model/KeyOperators.h"
 #include "platform/pelt/Ip6Addr.h"
 #include "platform/pelt/RouteAttributes.h"
-#include "platform/quor/RbTreeMap.h"
 
 namespace IpSnmp {
 
@@ -42,11 +41,12 @@ struct InetCidrRoute6Index : KeyOperators<InetCidrRoute6Index> {
 };
 std::ostream& operator<<(std::ostream& out, const InetCidrRoute6Index& key);
 
-class InetCidrRoute6Entry : public Quor::PtrInterface, public Quor::RbTreeLink {
+class InetCidrRoute6Entry {
  public:
+  InetCidrRoute6Entry() = default;
   InetCidrRoute6Entry(const InetCidrRoute6Index& index, U32 ifIndex, Routing::RouteMetric metric,
                       Routing::RoutePreference preference, Routing::Fib::RouteType protocol)
-      : index_(index), ifIndex_(ifIndex), metric_(metric), preference_(preference), protocol_(protocol) {}
+      : index_(index), ifIndex_(ifIndex), metric_(metric), protocol_(protocol), preference_(preference) {}
 
   const InetCidrRoute6Index& fwkKey() const noexcept { return index_; }
   const InetCidrRoute6Index& index() const noexcept { return index_; }
@@ -56,11 +56,11 @@ class InetCidrRoute6Entry : public Quor::PtrInterface, public Quor::RbTreeLink {
   Routing::Fib::RouteType protocol() const noexcept { return protocol_; }
 
  private:
-  const InetCidrRoute6Index index_;
-  const U32 ifIndex_;
-  const Routing::RouteMetric metric_;
-  const Routing::RoutePreference preference_;
-  const Routing::Fib::RouteType protocol_;
+  InetCidrRoute6Index index_;
+  U32 ifIndex_ = 0;
+  Routing::RouteMetric metric_;
+  Routing::Fib::RouteType protocol_ = Routing::Fib::routeTypeInvalid;
+  Routing::RoutePreference preference_;
 };
 
 }  // namespace IpSnmp

@@ -8,11 +8,17 @@
 
 #include "model/InetCidrRouteIndex.h"
 #include "model/IpCidrRouteTableEntry.h"
+#include "platform/quor/BlockMap.h"
 
 namespace IpSnmp {
 
-using IpCidrRouteTable = Quor::RbTreeMap<IpCidrRouteTableEntry, IpCidrRouteTableIndex>;
-using InetCidrRoute6Table = Quor::RbTreeMap<InetCidrRoute6Entry, InetCidrRoute6Index>;
+// The rows are values in sorted blocks (about 40 bytes an IPv4 row): a lookup's pointer holds until
+// the table next changes, and an iterator reads its own copy of its row, which stays readable after
+// the row is removed. The ordered walk (begin, startAt: the row of a key or the next above it,
+// findNext: the next above a key) and the iterator's guarantees are those of the framework's
+// collections.
+using IpCidrRouteTable = Quor::BlockMap<IpCidrRouteTableEntry, IpCidrRouteTableIndex>;
+using InetCidrRoute6Table = Quor::BlockMap<InetCidrRoute6Entry, InetCidrRoute6Index>;
 
 // A row of either family: what the columns read.
 class InetCidrRouteRow {

@@ -1,17 +1,20 @@
 #pragma once
 // One row of ipCidrRouteTable: one next hop of one route. Everything but the key is fixed at
 // creation; a route that changes is deleted and added again.
+//
+// A plain value of 32 bytes, kept by value in its table (Quor::BlockMap): a table holds a row for
+// every route of its VRF, millions of them, so a row carries no reference count and no links.
 #include "model/IpCidrRouteTableIndex.h"
 #include "platform/pelt/RouteAttributes.h"
-#include "platform/quor/RbTreeMap.h"
 
 namespace IpSnmp {
 
-class IpCidrRouteTableEntry : public Quor::PtrInterface, public Quor::RbTreeLink {
+class IpCidrRouteTableEntry {
  public:
+  IpCidrRouteTableEntry() = default;
   IpCidrRouteTableEntry(const IpCidrRouteTableIndex& index, U32 ifIndex, Routing::RouteMetric metric,
                         Routing::RoutePreference preference, Routing::Fib::RouteType protocol)
-      : index_(index), ifIndex_(ifIndex), metric_(metric), preference_(preference), protocol_(protocol) {}
+      : index_(index), ifIndex_(ifIndex), metric_(metric), protocol_(protocol), preference_(preference) {}
 
   const IpCidrRouteTableIndex& fwkKey() const noexcept { return index_; }
   const IpCidrRouteTableIndex& index() const noexcept { return index_; }
@@ -25,11 +28,12 @@ class IpCidrRouteTableEntry : public Quor::PtrInterface, public Quor::RbTreeLink
   Routing::Fib::RouteType protocol() const noexcept { return protocol_; }
 
  private:
-  const IpCidrRouteTableIndex index_;
-  const U32 ifIndex_;
-  const Routing::RouteMetric metric_;
-  const Routing::RoutePreference preference_;
-  const Routing::Fib::RouteType protocol_;
+  IpCidrRouteTableIndex index_;
+  U32 ifIndex_ = 0;
+  Routing::RouteMetric metric_;
+  Routing::Fib::RouteType protocol_ = Routing::Fib::routeTypeInvalid;
+  Routing::RoutePreference preference_;
 };
+static_assert(sizeof(IpCidrRouteTableEntry) == 32);
 
 }  // namespace IpSnmp

@@ -24,36 +24,33 @@ class IpForwardMib : public Quor::Entity {
   Quor::String8 attributeString(Quor::AttributeId id) const override;
 
   const IpCidrRouteTable& ipCidrRouteTable() const noexcept { return ipCidrRouteTable_; }
-  IpCidrRouteTableEntry* ipCidrRouteTable(const IpCidrRouteTableIndex& key) const { return ipCidrRouteTable_.member(key); }
-  // The row of `key`, created when absent; an existing row with any other value is a name-in-use
-  // failure naming the first differing parameter.
-  Quor::ValidPtr<IpCidrRouteTableEntry> ipCidrRouteTableIs(const IpCidrRouteTableIndex& key, U32 ifIndex,
-                                                            Routing::RouteMetric metric,
-                                                            Routing::RoutePreference preference,
-                                                            Routing::Fib::RouteType protocol);
-  Quor::Ptr<IpCidrRouteTableEntry> newIpCidrRouteTable(const IpCidrRouteTableIndex& key, U32 ifIndex,
-                                                       Routing::RouteMetric metric,
-                                                       Routing::RoutePreference preference,
-                                                       Routing::Fib::RouteType protocol);
-  Quor::Ptr<IpCidrRouteTableEntry> ipCidrRouteTableDel(const IpCidrRouteTableIndex& key);
-  Quor::Ptr<IpCidrRouteTableEntry> ipCidrRouteTableDel(const IpCidrRouteTableIterator& it) {
-    return ipCidrRouteTableDel(it.key());
+  // The row of `key`, null when absent; valid until the table next changes.
+  const IpCidrRouteTableEntry* ipCidrRouteTable(const IpCidrRouteTableIndex& key) const {
+    return ipCidrRouteTable_.member(key);
   }
+  // The row of `key`, created when absent; an existing row with any other value is a name-in-use
+  // failure naming the first differing parameter. Returns a copy of the row.
+  IpCidrRouteTableEntry ipCidrRouteTableIs(const IpCidrRouteTableIndex& key, U32 ifIndex, Routing::RouteMetric metric,
+                                           Routing::RoutePreference preference, Routing::Fib::RouteType protocol);
+  // Adds the row of `key`, which must be absent, without notifying.
+  IpCidrRouteTableEntry newIpCidrRouteTable(const IpCidrRouteTableIndex& key, U32 ifIndex, Routing::RouteMetric metric,
+                                            Routing::RoutePreference preference, Routing::Fib::RouteType protocol);
+  // Removes the row of `key`; false when there was none.
+  bool ipCidrRouteTableDel(const IpCidrRouteTableIndex& key);
+  bool ipCidrRouteTableDel(const IpCidrRouteTableIterator& it) { return ipCidrRouteTableDel(it.key()); }
   void ipCidrRouteTableDelAll();
   void ipCidrRouteTableNotify(const IpCidrRouteTableIndex& key) const;
   // The row count, which is the value of ipCidrRouteNumber.
   std::size_t ipCidrRouteTables() const noexcept { return ipCidrRouteTable_.members(); }
 
   const InetCidrRoute6Table& inetCidrRoute6Table() const noexcept { return inetCidrRoute6Table_; }
-  InetCidrRoute6Entry* inetCidrRoute6Table(const InetCidrRoute6Index& key) const {
+  const InetCidrRoute6Entry* inetCidrRoute6Table(const InetCidrRoute6Index& key) const {
     return inetCidrRoute6Table_.member(key);
   }
   // As ipCidrRouteTableIs, for an IPv6 row.
-  Quor::ValidPtr<InetCidrRoute6Entry> inetCidrRoute6TableIs(const InetCidrRoute6Index& key, U32 ifIndex,
-                                                            Routing::RouteMetric metric,
-                                                            Routing::RoutePreference preference,
-                                                            Routing::Fib::RouteType protocol);
-  Quor::Ptr<InetCidrRoute6Entry> inetCidrRoute6TableDel(const InetCidrRoute6Index& key);
+  InetCidrRoute6Entry inetCidrRoute6TableIs(const InetCidrRoute6Index& key, U32 ifIndex, Routing::RouteMetric metric,
+                                            Routing::RoutePreference preference, Routing::Fib::RouteType protocol);
+  bool inetCidrRoute6TableDel(const InetCidrRoute6Index& key);
   void inetCidrRoute6TableDelAll();
   void inetCidrRoute6TableNotify(const InetCidrRoute6Index& key) const;
 

@@ -1,11 +1,17 @@
 #include "platform/tarn/TableReader.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <immintrin.h>
+#include <vector>
+
+#include "platform/quor/Clock.h"
 
 namespace Tarn {
 
@@ -16,6 +22,33 @@ std::string hex(U32 v) {
   std::snprintf(text, sizeof text, "0x%08x", v);
   return text;
 }
+
+// The one timer of the process that hands back the pages of the readers that have read since their
+// last hand-back: armed by the first such read, it fires pageReleaseDelay seconds later.
+class PageRelease : public Quor::Clock::NotifieeConst {
+ public:
+  static PageRelease& instance() {
+    static const Quor::Ptr<PageRelease> release = [] {
+      auto made = Quor::makePtr<PageRelease>();
+      made->notifierIs(Quor::activityManager()->clock());
+      return made;
+    }();
+    return *release;
+  }
+  void touched(const TableReader* reader) {
+    readers_.push_back(reader);
+    if (timeMin() == Quor::never) timeMinIs(Quor::now() + TableReader::pageReleaseDelay);
+  }
+  void forget(const TableReader* reader) { std::erase(readers_, reader); }
+  void onTime() override {
+    std::vector<const TableReader*> readers;
+    readers.swap(readers_);
+    for (const TableReader* reader : readers) reader->pagesRelease();
+  }
+
+ private:
+  std::vector<const TableReader*> readers_;
+};
 
 }  // namespace
 
@@ -57,6 +90,23 @@ TableReader::TableReader(std::string path, FileDescriptor fd, Mapping mapping, c
   std::memcpy(sealedHeader_, mapping_.base(), fixedHeaderSize);
 }
 
+TableReader::~TableReader() {
+  if (touched_) PageRelease::instance().forget(this);
+}
+
+void TableReader::touch() const {
+  touched_ = true;
+  PageRelease::instance().touched(this);
+}
+
+void TableReader::pagesRelease() const {
+  touched_ = false;
+  static const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  if (mapping_.size() <= page) return;
+  // The header's page stays: every read looks at it.
+  ::madvise(mapping_.base() + page, mapping_.size() - page, MADV_DONTNEED);
+}
+
 void TableReader::corrupt(const std::string& what) const {
   ++counters_.corruptions;
   throwCorruption(path_ + ": " + what);
@@ -69,6 +119,7 @@ void TableReader::checkHeader() const {
 SlotState TableReader::readSlot(U32 slot, void* out, U32* published) const {
   checkHeader();
   ++counters_.reads;
+  if (!touched_) touch();
   const SlotControl& control = memory_.control(slot);
   const U32 recordSize = geometry_.recordSize;
   for (int attempt = 0; attempt < maxReadAttempts; ++attempt) {
@@ -138,6 +189,7 @@ U64 TableReader::commitSeq() const noexcept { return memory_.header().commitSeq.
 U64 TableReader::logHead() const noexcept { return memory_.header().logHead.load(std::memory_order_acquire); }
 
 bool TableReader::logEntry(U64 position, U32* slot) const {
+  if (!touched_) touch();
   U64 entry = memory_.logEntry(position, geometry_.logCapacity).load(std::memory_order_relaxed);
   if (U32(entry >> 32) != U32(position)) return false;
   *slot = U32(entry);

@@ -6,6 +6,13 @@
 // record with the slot protocol of TableFormat.h, retrying a bounded number of times. A header that
 // changed, a slot in an impossible state, a record whose checksum does not match, a slot that kept
 // changing through every attempt: each raises CorruptionDetectedException naming the file and slot.
+//
+// Pages. A read maps the pages it touches into the process, and mapped pages of the file count in
+// the process's resident set although they are the writer's, in memory once whoever maps them. The
+// reader hands them back pageReleaseDelay seconds after the first read that follows the last hand-back,
+// from the activity manager's clock (madvise MADV_DONTNEED on the shared mapping: the file keeps its
+// contents, and the next read of a page maps it again with a minor fault). So the resident set holds
+// the pages read in the last second or so, not every page of a table that a first pass has read.
 #include <memory>
 #include <string>
 #include <string_view>
@@ -68,6 +75,15 @@ class TableReader {
   bool unlinked() const;
   const ReaderCounters& counters() const noexcept { return counters_; }
 
+  // Seconds from the first read after a hand-back of the pages to the next hand-back.
+  static inline double pageReleaseDelay = 1.0;
+  // Hands back the pages of the file that reads have mapped, but the header's (see Pages above).
+  void pagesRelease() const;
+  // Whether a read has mapped pages since the last hand-back.
+  bool pagesTouched() const noexcept { return touched_; }
+
+  ~TableReader();
+
  private:
   TableReader(std::string path, FileDescriptor fd, Mapping mapping, const TableGeometry& geometry);
   void checkHeader() const;
@@ -79,8 +95,11 @@ class TableReader {
   TableGeometry geometry_;
   TableMemory memory_;
   unsigned char sealedHeader_[fixedHeaderSize];
+  void touch() const;
+
   mutable ReaderCounters counters_;
   ReadObserver* observer_ = nullptr;
+  mutable bool touched_ = false;
 };
 
 }  // namespace Tarn

@@ -49,14 +49,14 @@ IpSnmp::IpCidrRouteTableIndex routeKey(const char* dest, unsigned length, const 
   return {Pelt::IpAddr(dest), IpSnmp::maskOfLength(length), tos, Pelt::IpAddr(nextHop)};
 }
 
-Quor::ValidPtr<IpSnmp::IpCidrRouteTableEntry> addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
-                                                        const char* nextHop, U32 ifIndex, U32 metric, U8 preference,
-                                                        U32 tos) {
+IpSnmp::IpCidrRouteTableEntry addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+                                       const char* nextHop, U32 ifIndex, U32 metric, U8 preference,
+                                       U32 tos) {
   return mib.ipCidrRouteTableIs(routeKey(dest, length, nextHop, tos), ifIndex, Routing::RouteMetric(metric),
                                 Routing::RoutePreference(preference), Routing::Fib::routeTypeStaticConfig);
 }
 
-Quor::ValidPtr<IpSnmp::InetCidrRoute6Entry> addRoute6(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+IpSnmp::InetCidrRoute6Entry addRoute6(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
                                                       const char* nextHop, U32 ifIndex, U32 metric, U8 preference) {
   const auto key = IpSnmp::InetCidrRoute6Index::of(Pelt::Ip6Addr(dest), static_cast<U8>(length),
                                                     Pelt::Ip6Addr(nextHop), ifIndex);

@@ -27,12 +27,12 @@ class MibTree {
 };
 
 // A route row: `dest`/`length` via `nextHop`.
-Quor::ValidPtr<IpSnmp::IpCidrRouteTableEntry> addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
-                                                        const char* nextHop, U32 ifIndex = 1, U32 metric = 0,
-                                                        U8 preference = 0, U32 tos = 0);
+IpSnmp::IpCidrRouteTableEntry addRoute(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+                                       const char* nextHop, U32 ifIndex = 1, U32 metric = 0,
+                                       U8 preference = 0, U32 tos = 0);
 IpSnmp::IpCidrRouteTableIndex routeKey(const char* dest, unsigned length, const char* nextHop, U32 tos = 0);
 // An IPv6 route row: `dest`/`length` via `nextHop` on the interface of index `ifIndex`.
-Quor::ValidPtr<IpSnmp::InetCidrRoute6Entry> addRoute6(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
+IpSnmp::InetCidrRoute6Entry addRoute6(IpSnmp::IpForwardMib& mib, const char* dest, unsigned length,
                                                       const char* nextHop, U32 ifIndex = 1, U32 metric = 0,
                                                       U8 preference = 0);
 // `count` routes 10.x.y.0/24 via 192.0.2.1, in key order.
