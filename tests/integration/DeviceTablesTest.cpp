@@ -138,12 +138,6 @@ TEST_F(DeviceTablesTest, CountersAreThoseOfTheKernel) {
   EXPECT_EQ(valueOf(statsCell(5, 1)), "0");
 }
 
-TEST_F(DeviceTablesTest, VrfContextHasTheIpv4StatisticsRowOnly) {
-  const std::vector<Varbind> column = agent->tools().walk(Credentials::v3("red"), statsTable + ".1.47").varbinds;
-  ASSERT_EQ(column.size(), 1u);
-  EXPECT_EQ(lineOf(column[0]), statsCell(47, 1) + " = Gauge32: 500");
-}
-
 TEST_F(DeviceTablesTest, VrfTablesDescribeEveryVrfInTheDefaultContext) {
   ExpectedTable vrfs(vrfTable);
   // The name is the index with its length first: "red" comes before "blue".
@@ -161,8 +155,11 @@ TEST_F(DeviceTablesTest, VrfTablesDescribeEveryVrfInTheDefaultContext) {
   expectWalk(*agent, memberships);
 }
 
-TEST_F(DeviceTablesTest, VrfTablesAreNoSuchObjectInAVrfContext) {
+TEST_F(DeviceTablesTest, VrfContextHasTheIpv4StatisticsRowOnlyAndNoVrfTables) {
   for (const Credentials& who : {Credentials::v3("red"), Credentials::v2c("public@blue")}) {
+    const std::vector<Varbind> column = agent->tools().walk(who, statsTable + ".1.47").varbinds;
+    ASSERT_EQ(column.size(), 1u);
+    EXPECT_EQ(lineOf(column[0]), statsCell(47, 1) + " = Gauge32: 500");
     EXPECT_EQ(valueOf(vrfTable + ".1.4.3.114.101.100", who), "noSuchObject");
     EXPECT_EQ(valueOf(vrfIfTable + ".1.1.2", who), "noSuchObject");
     // The context ends before the subtree: the walk's one answer is endOfMibView.
