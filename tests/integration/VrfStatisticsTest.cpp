@@ -10,44 +10,20 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <map>
-#include <sstream>
 #include <thread>
 
 #include "AgentUnderTest.h"
 #include "Eventually.h"
+#include "KernelCounters.h"
 
 namespace IntegrationTest {
 namespace {
 
 namespace fs = std::filesystem;
-using Counters = std::map<std::string, unsigned long long>;
 
 const Credentials defaultContext = Credentials::v2c("public");
 
 std::string statsCell(unsigned column) { return ".1.3.6.1.4.1.48213.3.1.1.1.1." + std::to_string(column) + ".1"; }
-
-// The "Ip:" counters of a /proc/net/snmp text by name.
-Counters ipCounters(const std::string& snmp) {
-  std::istringstream in(snmp);
-  Counters counters;
-  for (std::string names, values; std::getline(in, names);) {
-    if (names.rfind("Ip: ", 0) != 0 || !std::getline(in, values)) continue;
-    std::istringstream nameWords(names.substr(4)), valueWords(values.substr(4));
-    std::string name;
-    unsigned long long value;
-    while (nameWords >> name && valueWords >> value) counters[name] = value;
-    break;
-  }
-  return counters;
-}
-
-Counters hostCounters() {
-  std::ifstream in("/proc/net/snmp");
-  std::stringstream text;
-  text << in.rdbuf();
-  return ipCounters(text.str());
-}
 
 // A network namespace of a unique name for one test, removed with this object whatever the test's
 // outcome.
@@ -70,7 +46,9 @@ class NetworkNamespace {
         "for i in $(seq " + std::to_string(datagrams) + "); do echo x >/dev/udp/127.0.0.1/9; done; true";
     return runCommand({"ip", "netns", "exec", name_, "bash", "-c", loop}).exitStatus == 0;
   }
-  Counters counters() const { return ipCounters(runCommand({"ip", "netns", "exec", name_, "cat", "/proc/net/snmp"}).output); }
+  KernelCounters counters() const {
+    return kernelCountersOf(runCommand({"ip", "netns", "exec", name_, "cat", "/proc/net/snmp"}).output);
+  }
 
  private:
   std::string name_;
@@ -146,14 +124,14 @@ const char* const names[] = {"InReceives", "InReceives", "InDelivers", "OutReque
 // The VRF's row is asked first: had snmpd stayed in the VRF's namespace after it, the default row,
 // read without any switch, would show the VRF's numbers.
 TEST_F(VrfStatisticsTest, VrfContextShowsItsNamespacesCountersAndTheDefaultContextTheHosts) {
-  const Counters nsBefore = ns.counters();
-  const Counters hostBefore = hostCounters();
+  const KernelCounters nsBefore = ns.counters();
+  const KernelCounters hostBefore = kernelCountersIn("/proc/net/snmp");
   ASSERT_GE(nsBefore.at("InReceives"), 20u) << "the test's own traffic in the namespace";
   waitPastFreshness();
   const std::vector<unsigned long long> vrfRow = row(vrfContext, columns);
   const std::vector<unsigned long long> defaultRow = row(defaultContext, columns);
-  const Counters nsAfter = ns.counters();
-  const Counters hostAfter = hostCounters();
+  const KernelCounters nsAfter = ns.counters();
+  const KernelCounters hostAfter = kernelCountersIn("/proc/net/snmp");
   ASSERT_LT(nsAfter.at("InReceives"), hostBefore.at("InReceives")) << "the two namespaces must be told apart";
 
   for (std::size_t i = 0; i < columns.size(); ++i) {

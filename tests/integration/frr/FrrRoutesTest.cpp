@@ -9,18 +9,15 @@
 // prefix withdrawn by the announcing side leaves the table within a second.
 #include <gtest/gtest.h>
 #include <sched.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <bit>
-#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <tuple>
@@ -143,7 +140,6 @@ class FrrRoutes : public AgentTestOf<testing::TestWithParam<int>> {
     if (::geteuid() != 0) GTEST_SKIP() << "needs root, for network namespaces and FRR";
     if (!FrrRouter::installed()) GTEST_SKIP() << "FRR is not installed (scripts/install-deps installs Debian's frr)";
     FrrRouter::sweepLeftovers();
-    sweepNamespaces();
     ASSERT_EQ(::unshare(CLONE_NEWNET), 0) << "a network namespace of this process's own";
     must("ip link set lo up");
     compatModeIs("");
@@ -169,18 +165,6 @@ class FrrRoutes : public AgentTestOf<testing::TestWithParam<int>> {
   void compatModeIs(const std::string& ns) {
     must((ns.empty() ? "" : "ip netns exec " + ns + " ") + "sysctl -qw net.ipv4.nexthop_compat_mode=" +
          std::to_string(GetParam()));
-  }
-
-  // Namespaces of test processes that are gone, which did not live to delete them.
-  static void sweepNamespaces() {
-    const std::regex ours("^(ns-)?frr([0-9]+)a?$");
-    std::istringstream list(sh("ip netns list"));
-    for (std::string line; std::getline(list, line);) {
-      const std::string name = line.substr(0, line.find(' '));
-      std::smatch match;
-      if (std::regex_match(name, match, ours) && ::kill(std::stoi(match[2]), 0) != 0 && errno == ESRCH)
-        sh("ip netns del " + name);
-    }
   }
 
   // The VRF's zebra and staticd with their static routes: one next hop, two (ECMP), a blackhole and
@@ -263,14 +247,11 @@ TEST_P(FrrRoutes, BgpAndStaticRoutesByNexthopObjectAreServedAsIpShowsThem) {
   agent = std::make_unique<AgentUnderTest>("", "", agentModeOfEnvironment(),
                                            std::vector<std::string>{"--source", "linux"});
   ASSERT_TRUE(agent->ready()) << agent->diagnostics();
-  const auto started = std::chrono::steady_clock::now();
   ASSERT_NO_FATAL_FAILURE(startBgp());
   auto isBgp = [](const std::string& row) { return row.ends_with(" " + std::to_string(ipRouteProtocolBgp)); };
   auto isEcmp = [](const std::string& row) { return row.starts_with(ecmpPrefix + " "); };
   ASSERT_TRUE(eventually([&] { return countOf(rowsOfIp(""), isBgp) == announced + 2; }, 60))
       << "zebra installs every prefix, the ECMP one with two next hops: " << countOf(rowsOfIp(""), isBgp);
-  std::cout << "BGP routes in the kernel after " << std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count()
-            << " s\n";
 
   const Credentials defaultContext = Credentials::v2c("public"), vrfContext = Credentials::v3(vrf);
   expectServesWhatIpShows(defaultContext, "");
