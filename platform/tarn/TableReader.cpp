@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <deque>
 #include <immintrin.h>
-#include <vector>
 
 #include "platform/quor/Clock.h"
 
@@ -24,7 +24,8 @@ std::string hex(U32 v) {
 }
 
 // The one timer of the process that hands back the pages of the readers that have read since their
-// last hand-back: armed by the first such read, it fires pageReleaseDelay seconds later.
+// last hand-back: armed by the first such read, it fires pageReleaseDelay seconds later and then
+// every turn, releaseStep bytes a turn, until every such reader is done.
 class PageRelease : public Quor::Clock::NotifieeConst {
  public:
   static PageRelease& instance() {
@@ -36,18 +37,29 @@ class PageRelease : public Quor::Clock::NotifieeConst {
     return *release;
   }
   void touched(const TableReader* reader) {
-    readers_.push_back(reader);
+    pending_.push_back({reader, 0});
     if (timeMin() == Quor::never) timeMinIs(Quor::now() + TableReader::pageReleaseDelay);
   }
-  void forget(const TableReader* reader) { std::erase(readers_, reader); }
+  void forget(const TableReader* reader) {
+    std::erase_if(pending_, [reader](const Pending& p) { return p.reader == reader; });
+  }
   void onTime() override {
-    std::vector<const TableReader*> readers;
-    readers.swap(readers_);
-    for (const TableReader* reader : readers) reader->pagesRelease();
+    std::size_t budget = releaseStep;
+    while (!pending_.empty() && budget > 0) {
+      Pending& next = pending_.front();
+      next.from = next.reader->pagesRelease(next.from, budget);
+      if (next.from == 0) pending_.pop_front();
+    }
+    if (!pending_.empty()) timeMinIs(Quor::now());
   }
 
  private:
-  std::vector<const TableReader*> readers_;
+  static constexpr std::size_t releaseStep = std::size_t(16) << 20;
+  struct Pending {
+    const TableReader* reader;
+    std::size_t from;
+  };
+  std::deque<Pending> pending_;
 };
 
 }  // namespace
@@ -99,12 +111,18 @@ void TableReader::touch() const {
   PageRelease::instance().touched(this);
 }
 
-void TableReader::pagesRelease() const {
-  touched_ = false;
+std::size_t TableReader::pagesRelease(std::size_t from, std::size_t& budget) const {
   static const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  if (mapping_.size() <= page) return;
-  // The header's page stays: every read looks at it.
-  ::madvise(mapping_.base() + page, mapping_.size() - page, MADV_DONTNEED);
+  if (from == 0) {
+    touched_ = false;
+    from = page;  // the header's page stays: every read looks at it
+  }
+  if (from >= mapping_.size()) return 0;
+  const std::size_t length = std::min(budget, mapping_.size() - from);
+  ::madvise(mapping_.base() + from, length, MADV_DONTNEED);
+  budget -= length;
+  from += length;
+  return from < mapping_.size() ? from : 0;
 }
 
 void TableReader::corrupt(const std::string& what) const {
