@@ -43,55 +43,6 @@ TEST_F(RouteIntake, AMachineOnAnEmptyTableGoesStraightToDone) {
   EXPECT_EQ(sm->bookmark(), Pelt::Prefix());
 }
 
-TEST_F(RouteIntake, RouteAddChangeAndDeleteReachTheTableAfterThePass) {
-  intfUp("Ethernet1", 7);
-  fecIs(1, {"10.0.0.1@Ethernet1"});
-  start();
-  settle();
-  const IpCidrRouteTableIndex key(Pelt::IpAddr(192, 168, 1, 0), Pelt::IpAddr(255, 255, 255, 0), 0,
-                                  Pelt::IpAddr(10, 0, 0, 1));
-
-  routeIs("192.168.1.0/24", 1, Routing::Fib::routeTypeStaticConfig, 10, 5);
-  EXPECT_EQ(marked(), Prefixes{P("192.168.1.0/24")});
-  EXPECT_TRUE(scheduled());
-  EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 0u);
-  runClock();
-  const IpCidrRouteTableEntry* row = ipForwardMib->ipCidrRouteTable(key);
-  ASSERT_TRUE(row);
-  EXPECT_EQ(row->ifIndex(), 7u);
-  EXPECT_EQ(row->metric(), Routing::RouteMetric(10));
-  EXPECT_EQ(row->preference(), Routing::RoutePreference(5));
-  EXPECT_EQ(row->protocol(), Routing::Fib::routeTypeStaticConfig);
-  EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 1u);
-
-  routeIs("192.168.1.0/24", 1, Routing::Fib::routeTypeStaticConfig, 20, 5);
-  runClock();
-  row = ipForwardMib->ipCidrRouteTable(key);
-  ASSERT_TRUE(row);
-  EXPECT_EQ(row->metric(), Routing::RouteMetric(20));
-  EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 1u);
-
-  routeGone("192.168.1.0/24");
-  EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 1u);
-  runClock();
-  EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 0u);
-  EXPECT_TRUE(idle());
-}
-
-TEST_F(RouteIntake, ARouteAddedAndDeletedBeforeThePassLeavesOneMarkAndNoRow) {
-  intfUp("Ethernet1", 7);
-  fecIs(1, {"10.0.0.1@Ethernet1"});
-  start();
-  settle();
-  routeIs("10.1.0.0/16", 1);
-  routeIs("10.1.0.0/16", 1, Routing::Fib::routeTypeConnected, 3);
-  routeGone("10.1.0.0/16");
-  EXPECT_EQ(sm->backlog().members(), 1u);
-  runClock();
-  EXPECT_TRUE(rows().empty());
-  EXPECT_TRUE(marked().empty());
-}
-
 TEST_F(RouteIntake, AFecChangeRebuildsEveryPrefixThatUsesItAndNothingElse) {
   intfUp("Ethernet1", 1);
   intfUp("Ethernet2", 2);
@@ -238,18 +189,6 @@ TEST_F(RouteRebuild, RouteTypesZeroToThreeMakeNoRows) {
   start();
   settle();
   EXPECT_EQ(rows(), Strings{"10.4.0.0 255.255.0.0 0 10.0.0.1 if0"});
-}
-
-TEST_F(RouteRebuild, ARouteWhoseFecIsMissingComesBackWithTheFec) {
-  routeIs("10.1.0.0/16", 4);
-  start();
-  settle();
-  EXPECT_TRUE(rows().empty());
-
-  fecIs(4, {"10.0.0.1@"});
-  EXPECT_TRUE(scheduled());
-  settle();
-  EXPECT_EQ(rows(), Strings{"10.1.0.0 255.255.0.0 0 10.0.0.1 if0"});
 }
 
 TEST_F(RouteRebuild, AFecOfMoreThan128ViasLeavesThePassWithItsPrefixStillMarked) {
