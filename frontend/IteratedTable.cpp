@@ -151,3 +151,9 @@ bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, cons
   }
   return at == length;
 }
+
+bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into) {
+  // parse_oid_indexes allocates a string's value without freeing the one it replaces.
+  for (netsnmp_variable_list* var = into; var; var = var->next_variable) snmp_set_var_value(var, nullptr, 0);
+  return parse_oid_indexes(index, length, into) == SNMPERR_SUCCESS;
+}

@@ -19,7 +19,14 @@
 // helper would pass over anyway, and the helper still stops at the first row above the index. A hint
 // can only shorten a search, never change its answer.
 //
+// Most requests never reach the helpers: a GET of a row, and a GETNEXT whose answer is a row of the
+// same column, are answered directly (answerDirectly) by the handler placed above the table helper,
+// when the index is empty (GETNEXT) or writes back exactly as above. The rows it reads, and the order
+// it reads them in, are those of the hinted search: it answers as the helpers would, without their
+// parsed index, data list and contexts per request. Anything else falls through to the helpers.
+//
 // A table's traits are a struct of static members: the concept IteratedTableTraits below says which.
+#include <climits>
 #include <concepts>
 #include <cstddef>
 #include <memory>
@@ -83,6 +90,16 @@ class IndexWriter {
 // Whether the first `components` varbinds from `written` on, as index sub-identifiers, are exactly
 // `index` of `length` sub-identifiers.
 bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, const oid* index, std::size_t length);
+
+// Parses index sub-identifiers into `into`, whose values from an earlier parse it frees first.
+bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into);
+
+// The direct handler's own index varbinds, of its table's index types: the request's index is
+// parsed into one, rows' keys are written into the other (which changes their types).
+struct IndexScratch {
+  netsnmp_variable_list* parsed;
+  netsnmp_variable_list* written;
+};
 
 // The parts of the handler that do not depend on the row type.
 namespace TableHandler {
@@ -222,6 +239,20 @@ class IteratedTable {
     return SNMP_ERR_NOERROR;
   }
 
+  // Above the table helper: answers a lone GET or GETNEXT itself when it can (see the top of this
+  // file), else passes it down the chain.
+  static int answerDirectly(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,
+                            netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
+    if constexpr (T::hinted) {
+      const auto* container = static_cast<const typename T::Container*>(reginfo->my_reg_void);
+      if (container && requests && !requests->next && iteratorHintsEnabled())
+        if (const std::optional<int> result = answerAlone(T::collection(*container), *reginfo, reqinfo->mode,
+                                                           *requests, *static_cast<IndexScratch*>(handler->myvoid)))
+          return *result;
+    }
+    return netsnmp_call_next_handler(handler, reginfo, reqinfo, requests);
+  }
+
  private:
   enum class Start { firstRow, hintedRow, lowerBound };
 
@@ -266,62 +297,124 @@ class IteratedTable {
     return writtenIndexIs(scratch, componentCount(), request.index_oid, request.index_oid_len);
   }
 
+  // The direct answer to `request`, or nothing when it must go down to the helpers: another mode, a
+  // column not served, an index that does not write back exactly, a GET of no row, a GETNEXT past the
+  // column's last row.
+  static std::optional<int> answerAlone(const Collection& table, const netsnmp_handler_registration& reg, int mode,
+                                        netsnmp_request_info& request, const IndexScratch& scratch) {
+    const bool get = mode == MODE_GET;
+    netsnmp_variable_list& var = *request.requestvb;
+    const std::size_t columnLength = reg.rootoid_len + 2;
+    if ((!get && mode != MODE_GETNEXT) || request.processed || request.inclusive || var.name_length < columnLength ||
+        var.name[reg.rootoid_len] != 1 || snmp_oid_ncompare(var.name, var.name_length, reg.rootoid, reg.rootoid_len,
+                                                            reg.rootoid_len) != 0)
+      return std::nullopt;
+    const oid column = var.name[columnLength - 1];
+    if (column > INT_MAX || !T::isColumn(static_cast<int>(column))) return std::nullopt;
+
+    oid name[MAX_OID_LEN];
+    std::size_t length = 0;
+    Iterator row = table.begin();
+    std::optional<Key> last;
+    if (get || var.name_length > columnLength) {
+      if (!parseIndex(var.name + columnLength, var.name_length - columnLength, scratch.parsed)) return std::nullopt;
+      const std::optional<Key> key = keyOfIndex(scratch.parsed, false);
+      if (!key || !rowName(*key, var, columnLength, scratch.written, name, length) ||
+          snmp_oid_compare(name, length, var.name, var.name_length) != 0)
+        return std::nullopt;
+      row = table.startAt(*key);
+      if (get) last = lastKeyOfIndex(*key);
+    }
+    // The helpers' sorted search from there: the first row of the index (GET) or above it (GETNEXT).
+    for (; !row.atEnd() && !(last && *last < row.key()); row.advance()) {
+      if (!rowName(row.key(), var, columnLength, scratch.written, name, length)) return std::nullopt;
+      const int order = snmp_oid_compare(name, length, var.name, var.name_length);
+      if (order < 0 || (order == 0 && !get)) continue;
+      if (order > 0 && get) break;
+      if (!get) snmp_set_var_objid(&var, name, length);
+      unsigned char buffer[T::bufferSize];
+      return TableHandler::answer(T::name, &request, &request, T::column(static_cast<int>(column), *row, buffer),
+                                  buffer);
+    }
+    return std::nullopt;
+  }
+
+  // The instance of `key`'s row in the column that `var` names (its first `columnLength`
+  // sub-identifiers), into `name`; false when it does not fit.
+  static bool rowName(const Key& key, netsnmp_variable_list& var, std::size_t columnLength,
+                      netsnmp_variable_list* written, oid (&name)[MAX_OID_LEN], std::size_t& length) {
+    IndexWriter writer(nullptr, written);
+    T::writeIndex(key, writer);
+    return build_oid_noalloc(name, MAX_OID_LEN, &length, var.name, columnLength, written) == SNMPERR_SUCCESS;
+  }
+
   // Moves `loop` from the first row to where the hint lets the search start, if anywhere.
   static void placeByHint(Loop& loop, const Collection& table, const IteratorHint& hint,
                           netsnmp_variable_list* scratch) {
-    readComponents(loop, table, hint, scratch, std::make_index_sequence<componentCount()>());
+    const std::optional<Key> key = keyOfIndex(hint.index->indexes, true);
+    if (!key) return;
+    Iterator row = table.startAt(*key);
+    if (!row.atEnd() && row.key() == *key) {
+      loop.row = std::move(row);
+      loop.start = Start::hintedRow;
+    } else if (writesRequestIndex(*key, *hint.index, scratch)) {
+      QTRACE(tableTracer(), 2,
+             T::name << "_get_first_data_point - key '" << *key << "' not in table, starting at the next key");
+      loop.row = std::move(row);
+      loop.start = Start::lowerBound;
+      if (hint.exact) loop.last = lastKeyOfIndex(*key);
+    } else {
+      QTRACE(tableTracer(), 2, T::name << "_get_first_data_point - key '" << *key << "' not found in table");
+    }
+  }
+
+  // The key of parsed index varbinds, if every component is there and its value one that a key can
+  // hold. Only a hint's failures are traced: a direct request that fails goes on to the hint.
+  static std::optional<Key> keyOfIndex(netsnmp_variable_list* var, bool traced) {
+    return keyOfComponents(var, traced, std::make_index_sequence<componentCount()>());
   }
 
   template <std::size_t... I>
-  static void readComponents(Loop& loop, const Collection& table, const IteratorHint& hint,
-                             netsnmp_variable_list* scratch, std::index_sequence<I...>) {
+  static std::optional<Key> keyOfComponents(netsnmp_variable_list* var, bool traced, std::index_sequence<I...>) {
     std::tuple<std::optional<typename std::tuple_element_t<I, typename T::Components>::Value>...> values;
     std::size_t accepted = 0;
-    netsnmp_variable_list* var = hint.index->indexes;
     // Every component is read, also after a bad one; only the count decides.
-    (readComponent<I>(var, std::get<I>(values), accepted), ...);
+    (readComponent<I>(var, std::get<I>(values), accepted, traced), ...);
     if (accepted < componentCount()) {
-      QTRACE(tableTracer(), 2,
-             T::name << "_get_first_data_point - needed " << componentCount() << " components, found only "
-                     << accepted);
-      return;
+      if (traced)
+        QTRACE(tableTracer(), 2,
+               T::name << "_get_first_data_point - needed " << componentCount() << " components, found only "
+                       << accepted);
+      return std::nullopt;
     }
     try {
-      const Key key = T::keyOf(*std::get<I>(values)...);
-      Iterator row = table.startAt(key);
-      if (!row.atEnd() && row.key() == key) {
-        loop.row = std::move(row);
-        loop.start = Start::hintedRow;
-      } else if (writesRequestIndex(key, *hint.index, scratch)) {
-        QTRACE(tableTracer(), 2,
-               T::name << "_get_first_data_point - key '" << key << "' not in table, starting at the next key");
-        loop.row = std::move(row);
-        loop.start = Start::lowerBound;
-        if (hint.exact) loop.last = lastKeyOfIndex(key);
-      } else {
-        QTRACE(tableTracer(), 2, T::name << "_get_first_data_point - key '" << key << "' not found in table");
-      }
+      return T::keyOf(*std::get<I>(values)...);
     } catch (const Quor::RangeException& e) {
-      QTRACE(tableTracer(), 0, "Bad hint for " << T::name << ": " << T::keyName << " ctor threw exception: " << e);
+      if (traced)
+        QTRACE(tableTracer(), 0, "Bad hint for " << T::name << ": " << T::keyName << " ctor threw exception: " << e);
+      return std::nullopt;
     }
   }
 
   template <std::size_t I, class Value>
-  static void readComponent(netsnmp_variable_list*& var, std::optional<Value>& value, std::size_t& accepted) {
+  static void readComponent(netsnmp_variable_list*& var, std::optional<Value>& value, std::size_t& accepted,
+                            bool traced) {
     if (!var) return;
     using Component = std::tuple_element_t<I, typename T::Components>;
     const char* const name = T::componentNames[I];
     if (var->type != Component::type) {
-      QTRACE(tableTracer(), 0,
-             "hint for " << name << " has incorrect type! Expecting " << int(Component::type) << " but got "
-                         << int(var->type));
+      if (traced)
+        QTRACE(tableTracer(), 0,
+               "hint for " << name << " has incorrect type! Expecting " << int(Component::type) << " but got "
+                           << int(var->type));
     } else {
       try {
-          value = Component::parse(*var);
-        QTRACE(tableTracer(), 2, "hint component " << name << " is '" << *value << "'");
+        value = Component::parse(*var);
+        if (traced) QTRACE(tableTracer(), 2, "hint component " << name << " is '" << *value << "'");
         ++accepted;
       } catch (const Quor::RangeException& e) {
-        QTRACE(tableTracer(), 0, "hint for index " << name << " of " << T::name << " is out of range! " << e);
+        if (traced)
+          QTRACE(tableTracer(), 0, "hint for index " << name << " of " << T::name << " is out of range! " << e);
       }
     }
     var = var->next_variable;
@@ -330,14 +423,15 @@ class IteratedTable {
 
 // The named functions of one table, each forwarding to the frame: <table>_get_first_data_point,
 // <table>_get_next_data_point, <table>_make_data_context, <table>_free_data_context,
-// <table>_free_loop_context_at_end and <table>_handler.
+// <table>_free_loop_context_at_end, <table>_handler and <table>_answer_directly.
 #define IPSNMP_DECLARE_ITERATED_TABLE(table)                \
   Netsnmp_First_Data_Point table##_get_first_data_point;    \
   Netsnmp_Next_Data_Point table##_get_next_data_point;      \
   Netsnmp_Make_Data_Context table##_make_data_context;      \
   Netsnmp_Free_Data_Context table##_free_data_context;      \
   Netsnmp_Free_Loop_Context table##_free_loop_context_at_end; \
-  Netsnmp_Node_Handler table##_handler
+  Netsnmp_Node_Handler table##_handler;                      \
+  Netsnmp_Node_Handler table##_answer_directly
 
 #define IPSNMP_DEFINE_ITERATED_TABLE(table, Traits, unit)                                                       \
   netsnmp_variable_list* table##_get_first_data_point(void** loopContext, void** dataContext,                \
@@ -364,4 +458,8 @@ class IteratedTable {
     FLITLOG_BLOCK(unit, "int " #table "_handler(netsnmp_mib_handler*, netsnmp_handler_registration*, "        \
                         "netsnmp_agent_request_info*, netsnmp_request_info*)");                               \
     return IteratedTable<Traits>::handler(handler, reginfo, reqinfo, requests);                                \
+  }                                                                                                           \
+  int table##_answer_directly(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,            \
+                              netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {          \
+    return IteratedTable<Traits>::answerDirectly(handler, reginfo, reqinfo, requests);                         \
   }

@@ -42,3 +42,5 @@ IteratorHint takeIteratorHint(void* helperHint) {
 }
 
 void iteratorHintsEnabledIs(bool enabled) { hintsEnabled = enabled; }
+
+bool iteratorHintsEnabled() { return hintsEnabled; }

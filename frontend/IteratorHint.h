@@ -31,6 +31,8 @@ bool injectIteratorHint(netsnmp_handler_registration* reg);
 // every case.
 IteratorHint takeIteratorHint(void* helperHint);
 
-// Whether hints are used at all (on by default). Off, every search starts at the first row, also
-// when a helper passed a hint of its own: that shows what the hint saves; answers are the same.
+// Whether hints are used at all (on by default). Off, every request goes through the helpers and
+// every search starts at the first row, also when a helper passed a hint of its own: that shows what
+// the hint and the direct answers save; answers are the same.
 void iteratorHintsEnabledIs(bool enabled);
+bool iteratorHintsEnabled();

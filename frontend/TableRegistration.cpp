@@ -47,6 +47,31 @@ netsnmp_iterator_info* newIteratorInfo(const IteratedTableRegistration& table, v
   return iinfo;
 }
 
+IndexScratch* newIndexScratch(netsnmp_variable_list* indexes) {
+  return new IndexScratch{snmp_clone_varbind(indexes), snmp_clone_varbind(indexes)};
+}
+
+void* cloneIndexScratch(void* scratch) { return newIndexScratch(static_cast<IndexScratch*>(scratch)->parsed); }
+
+void freeIndexScratch(void* scratch) {
+  const auto* lists = static_cast<IndexScratch*>(scratch);
+  snmp_free_varbind(lists->parsed);
+  snmp_free_varbind(lists->written);
+  delete lists;
+}
+
+// Places the direct handler of `table` right above the table helper, below the serialize and
+// bulk-to-next handlers, so that it sees one GET or GETNEXT at a time.
+void injectDirectAnswers(netsnmp_handler_registration* reg, const IteratedTableRegistration& table,
+                         netsnmp_variable_list* indexes) {
+  netsnmp_mib_handler* handler = netsnmp_create_handler("ipsnmp_direct_answers", table.answerDirectly);
+  if (!handler) return;
+  handler->myvoid = newIndexScratch(indexes);
+  handler->data_clone = cloneIndexScratch;
+  handler->data_free = freeIndexScratch;
+  if (netsnmp_inject_handler_before(reg, handler, TABLE_HANDLER_NAME) != SNMPERR_SUCCESS) netsnmp_handler_free(handler);
+}
+
 }  // namespace
 
 void initializeIteratedTable(const IteratedTableRegistration& table, const Quor::String8& context,
@@ -74,7 +99,8 @@ void initializeIteratedTable(const IteratedTableRegistration& table, const Quor:
   reg->my_reg_void = table.entityOf(entity.ptr());
 
   netsnmp_column_info* columns = newColumnInfo(table.columns);
-  netsnmp_iterator_info* iinfo = newIteratorInfo(table, reg->my_reg_void, newTableInfo(table, context, columns));
+  netsnmp_table_registration_info* tableInfo = newTableInfo(table, context, columns);
+  netsnmp_iterator_info* iinfo = newIteratorInfo(table, reg->my_reg_void, tableInfo);
   // In a VRF's context net-snmp frees the iterator information with the registration, and the unit
   // frees the column list; the default context's blocks stay for the life of the process.
   if (!context.empty()) iinfo->flags |= NETSNMP_HANDLER_OWNS_IINFO;
@@ -90,6 +116,7 @@ void initializeIteratedTable(const IteratedTableRegistration& table, const Quor:
   if (table.indexOrder) {
     netsnmp_inject_handler(reg, netsnmp_get_serialize_handler());
     injectIteratorHint(reg);
+    injectDirectAnswers(reg, table, tableInfo->indexes);
   }
   registrations.registrationIs(context, reg);
   registrations.columnInfoIs(context, columns);

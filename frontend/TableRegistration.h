@@ -31,16 +31,18 @@ struct IteratedTableRegistration {
   Netsnmp_Make_Data_Context* makeDataContext;
   Netsnmp_Free_Data_Context* freeDataContext;
   Netsnmp_Free_Loop_Context* freeLoopContextAtEnd;
+  // The handler above the table helper that answers most GETs and GETNEXTs without the helpers.
+  Netsnmp_Node_Handler* answerDirectly;
   // Rows walked in index order: the helper may stop at the first row above the index, requests
-  // arrive one varbind at a time (serialize handler) and carry the hint. Off for a table whose rows
-  // have no index order.
+  // arrive one varbind at a time (serialize handler), carry the hint and may be answered directly.
+  // Off for a table whose rows have no index order.
   bool indexOrder = true;
 };
 
 // The frame's functions of `table`, in the order of the fields above.
 #define IPSNMP_ITERATOR_FUNCTIONS(table)                                                                  \
   table##_get_first_data_point, table##_get_next_data_point, table##_make_data_context,                   \
-      table##_free_data_context, table##_free_loop_context_at_end
+      table##_free_data_context, table##_free_loop_context_at_end, table##_answer_directly
 
 // Where the tables of the IP-MIB container find it: the default context's entity, and a VRF's with
 // "%s" standing for its name. IpBase and IpSwForwarding both serve from it.
