@@ -44,7 +44,10 @@ void AgentLoop::wakeupIs(double deadline) {
 
 void AgentLoop::fdAdded(int fd) { watched_.try_emplace(fd, fd, &AgentLoop::onFd, this); }
 
-void AgentLoop::fdRemoved(int fd) { watched_.erase(fd); }
+void AgentLoop::fdRemoved(int fd) {
+  watched_.erase(fd);
+  readyFds_.erase(fd);
+}
 
 void AgentLoop::wakeSoon() {
   if (wakePending_ || wakeFd_.get() < 0) return;
@@ -63,16 +66,33 @@ void AgentLoop::onWakeFd(int fd, void* self) {
   eventfd_t count;
   ::eventfd_read(fd, &count);
   loop->wakePending_ = false;
-  loop->runDue();
+  loop->runAfterRequests();
 }
 
 void AgentLoop::onFd(int fd, void* self) {
   auto* loop = static_cast<AgentLoop*>(self);
-  try {
-    loop->manager_->runFd(fd);
-  } catch (const std::exception& e) {
-    snmp_log(LOG_ERR, "ipsnmp: handler of file descriptor %d failed: %s\n", fd, e.what());
+  loop->readyFds_.insert(fd);
+  loop->runAfterRequests();
+}
+
+// An alarm due now fires in this pass's run_alarms(), after its requests.
+void AgentLoop::runAfterRequests() {
+  if (!afterRequests_) afterRequests_ = Alarm({0, 0}, &AgentLoop::onAfterRequests, this);
+}
+
+void AgentLoop::onAfterRequests(unsigned int, void* self) {
+  auto* loop = static_cast<AgentLoop*>(self);
+  loop->afterRequests_.fired();
+  // A handler may remove descriptors, its own or others'.
+  while (!loop->readyFds_.empty()) {
+    const int fd = loop->readyFds_.extract(loop->readyFds_.begin()).value();
+    try {
+      loop->manager_->runFd(fd);
+    } catch (const std::exception& e) {
+      snmp_log(LOG_ERR, "ipsnmp: handler of file descriptor %d failed: %s\n", fd, e.what());
+    }
   }
+  loop->runDue();
 }
 
 // Runs what is due; the manager then reports its next deadline through wakeupIs.

@@ -1,9 +1,10 @@
 // The framework's timers and descriptors run inside snmpd's select loop: a slice of work asked for
-// "at the next opportunity" runs once per pass of the loop, requests are served in between, and
+// "at the next opportunity" runs once per pass of the loop, after the pass's requests, and
 // deadlines are kept to the microsecond, neither early nor a tick late.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "platform/quor/Clock.h"
@@ -13,45 +14,6 @@
 #include <net-snmp/library/large_fd_set.h>
 
 namespace {
-
-// One pass of snmpd's receive() loop (agent/snmpd.c, net-snmp 5.9): select on the agent's
-// descriptors until its next alarm, dispatch the ready external descriptors, then run_alarms().
-// `maxWait` stands in for the sockets that would end an idle select.
-void agentLoopPass(double maxWait) {
-  netsnmp_large_fd_set readfds, writefds, exceptfds;
-  netsnmp_large_fd_set_init(&readfds, FD_SETSIZE);
-  netsnmp_large_fd_set_init(&writefds, FD_SETSIZE);
-  netsnmp_large_fd_set_init(&exceptfds, FD_SETSIZE);
-  const auto whole = static_cast<long>(maxWait);
-  struct timeval longest = {whole, static_cast<long>((maxWait - whole) * 1e6)};
-  struct timeval timeout = longest;
-  int numfds = 0;
-  int block = 0;
-  snmp_select_info2(&numfds, &readfds, &timeout, &block);
-  if (block || timercmp(&longest, &timeout, <)) timeout = longest;
-  netsnmp_external_event_info2(&numfds, &readfds, &writefds, &exceptfds);
-  int count = netsnmp_large_fd_set_select(numfds, &readfds, &writefds, &exceptfds, &timeout);
-  if (count > 0) netsnmp_dispatch_external_events2(&count, &readfds, &writefds, &exceptfds);
-  run_alarms();
-  netsnmp_large_fd_set_cleanup(&readfds);
-  netsnmp_large_fd_set_cleanup(&writefds);
-  netsnmp_large_fd_set_cleanup(&exceptfds);
-}
-
-// A reactor that cuts its work into slices: each onTime asks for the next opportunity again, up to a
-// limit, so that a loop that would run it without end stops and the test can say so.
-class Slicer : public Quor::Clock::NotifieeConst {
- public:
-  void onTime() override {
-    ++fired;
-    firedAt = Quor::now();
-    if (fired < limit) timeMinIs(rearmAt);
-  }
-  int fired = 0;
-  int limit = 1;
-  double rearmAt = 0.0;
-  double firedAt = 0.0;
-};
 
 // A pipe whose every byte is one event: a request on the agent's socket, or what a descriptor of the
 // framework's waits for.
@@ -75,6 +37,56 @@ class Pipe {
   int fds_[2];
 };
 
+// One pass of snmpd's receive() loop (agent/snmpd.c, net-snmp 5.9): select on the agent's
+// descriptors until its next alarm, dispatch the ready external descriptors, read the requests on
+// the agent's socket (`requests`, as snmp_read2 does), then run_alarms(). `maxWait` stands in for
+// the sockets that would end an idle select.
+void agentLoopPass(double maxWait, Pipe* requests = nullptr) {
+  netsnmp_large_fd_set readfds, writefds, exceptfds;
+  netsnmp_large_fd_set_init(&readfds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&writefds, FD_SETSIZE);
+  netsnmp_large_fd_set_init(&exceptfds, FD_SETSIZE);
+  const auto whole = static_cast<long>(maxWait);
+  struct timeval longest = {whole, static_cast<long>((maxWait - whole) * 1e6)};
+  struct timeval timeout = longest;
+  int numfds = 0;
+  int block = 0;
+  snmp_select_info2(&numfds, &readfds, &timeout, &block);
+  if (block || timercmp(&longest, &timeout, <)) timeout = longest;
+  netsnmp_external_event_info2(&numfds, &readfds, &writefds, &exceptfds);
+  if (requests) {
+    NETSNMP_LARGE_FD_SET(requests->readEnd(), &readfds);
+    numfds = std::max(numfds, requests->readEnd() + 1);
+  }
+  int count = netsnmp_large_fd_set_select(numfds, &readfds, &writefds, &exceptfds, &timeout);
+  if (count > 0) {
+    netsnmp_dispatch_external_events2(&count, &readfds, &writefds, &exceptfds);
+    if (requests && NETSNMP_LARGE_FD_ISSET(requests->readEnd(), &readfds)) requests->take();
+  }
+  run_alarms();
+  netsnmp_large_fd_set_cleanup(&readfds);
+  netsnmp_large_fd_set_cleanup(&writefds);
+  netsnmp_large_fd_set_cleanup(&exceptfds);
+}
+
+// A reactor that cuts its work into slices: each onTime asks for the next opportunity again, up to a
+// limit, so that a loop that would run it without end stops and the test can say so.
+class Slicer : public Quor::Clock::NotifieeConst {
+ public:
+  void onTime() override {
+    ++fired;
+    firedAt = Quor::now();
+    if (requests) requestsServed = requests->taken;
+    if (fired < limit) timeMinIs(rearmAt);
+  }
+  int fired = 0;
+  int limit = 1;
+  double rearmAt = 0.0;
+  double firedAt = 0.0;
+  const Pipe* requests = nullptr;
+  int requestsServed = 0;  // when it last fired
+};
+
 class AgentLoopTest : public ::testing::Test {
  protected:
   Quor::Ptr<Slicer> newSlicer() {
@@ -85,19 +97,30 @@ class AgentLoopTest : public ::testing::Test {
   std::unique_ptr<Snmp::AgentLoop> loop = std::make_unique<Snmp::AgentLoop>(Quor::activityManager());
 };
 
-TEST_F(AgentLoopTest, SlicesAskingForTheNextOpportunityRunOncePerPassWithRequestsServedBetween) {
+// The framework's work of a pass (a slice, a ready descriptor) runs after the requests of the pass.
+TEST_F(AgentLoopTest, SlicesAskingForTheNextOpportunityRunOncePerPassAfterThePassRequests) {
   auto slicer = newSlicer();
   slicer->limit = 1000;
   slicer->timeMinIs(0.0);
   Pipe requests;  // as the agent's socket
-  register_readfd(requests.readEnd(), [](int, void* pipe) { static_cast<Pipe*>(pipe)->take(); }, &requests);
+  slicer->requests = &requests;
+  Pipe events;  // a descriptor of the framework's
+  int requestsBeforeEvent = 0;
+  Quor::activityManager()->fdReadIs(events.readEnd(), [&] {
+    events.take();
+    requestsBeforeEvent = requests.taken;
+  });
   for (int pass = 1; pass <= 5; ++pass) {
     requests.put();
-    agentLoopPass(1.0);
+    events.put();
+    agentLoopPass(1.0, &requests);
     EXPECT_EQ(requests.taken, pass);
     EXPECT_EQ(slicer->fired, pass);
+    EXPECT_EQ(slicer->requestsServed, pass);
+    EXPECT_EQ(events.taken, pass);
+    EXPECT_EQ(requestsBeforeEvent, pass);
   }
-  unregister_readfd(requests.readEnd());
+  Quor::activityManager()->fdReadDel(events.readEnd());
 }
 
 TEST_F(AgentLoopTest, ADeadlineFiresOnTimeAndNotBeforeAndAnEarlierOneReplacesIt) {
