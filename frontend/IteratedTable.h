@@ -298,8 +298,8 @@ class IteratedTable {
   }
 
   // The direct answer to `request`, or nothing when it must go down to the helpers: another mode, a
-  // column not served, an index that does not write back exactly, a GET of no row, a GETNEXT past the
-  // column's last row.
+  // column not served, an index that does not write back exactly, a GETNEXT past the column's last
+  // row.
   static std::optional<int> answerAlone(const Collection& table, const netsnmp_handler_registration& reg, int mode,
                                         netsnmp_request_info& request, const IndexScratch& scratch) {
     const bool get = mode == MODE_GET;
@@ -330,13 +330,15 @@ class IteratedTable {
       if (!rowName(row.key(), var, columnLength, scratch.written, name, length)) return std::nullopt;
       const int order = snmp_oid_compare(name, length, var.name, var.name_length);
       if (order < 0 || (order == 0 && !get)) continue;
-      if (order > 0 && get) break;
+      if (order > 0 && get) break;  // no row has the index
       if (!get) snmp_set_var_objid(&var, name, length);
       unsigned char buffer[T::bufferSize];
       return TableHandler::answer(T::name, &request, &request, T::column(static_cast<int>(column), *row, buffer),
                                   buffer);
     }
-    return std::nullopt;
+    if (!get) return std::nullopt;
+    netsnmp_request_set_error(&request, SNMP_NOSUCHINSTANCE);
+    return SNMP_ERR_NOERROR;
   }
 
   // The instance of `key`'s row in the column that `var` names (its first `columnLength`
