@@ -329,7 +329,10 @@ class IteratedTable {
     for (; !row.atEnd() && !(last && *last < row.key()); row.advance()) {
       if (!rowName(row.key(), var, columnLength, scratch.written, name, length)) return std::nullopt;
       const int order = snmp_oid_compare(name, length, var.name, var.name_length);
-      if (order < 0 || (order == 0 && !get)) continue;
+      if (order < 0 || (order == 0 && !get)) {
+        QTRACE(tableTracer(), 2, T::name << "_answer_directly - passing row " << row.key());
+        continue;
+      }
       if (order > 0 && get) break;  // no row has the index
       if (!get) snmp_set_var_objid(&var, name, length);
       unsigned char buffer[T::bufferSize];
