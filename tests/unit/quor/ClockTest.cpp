@@ -33,50 +33,38 @@ class ClockTest : public ::testing::Test {
   const Quor::Ptr<Quor::Clock>& clock = Quor::activityManager()->clock();
 };
 
-TEST_F(ClockTest, ZeroMeansNextRunAndFiringConsumesTheRequest) {
+// A request of 0.0 fires at the next run, once; one made inside onTime waits for the run after; a
+// future time waits for the clock; a request made before attaching counts once attached; a destroyed
+// reactor leaves the schedule.
+TEST_F(ClockTest, RequestsFireOnceAtTheirRunAndLeaveWithTheirReactor) {
   auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->timeMinIs(0.0);
+  EXPECT_EQ(clock->nextDeadline(), Quor::never);
+  t->notifierIs(clock);
+  EXPECT_EQ(clock->nextDeadline(), 0.0);
   clock->runDue();
   clock->runDue();
   EXPECT_EQ(t->fired, 1);
   EXPECT_EQ(t->timeMin(), Quor::never);
-}
 
-TEST_F(ClockTest, ARequestFromInsideOnTimeWaitsForTheNextRun) {
-  auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->rearm = true;
   t->timeMinIs(0.0);
   clock->runDue();
-  EXPECT_EQ(t->fired, 1);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  clock->runDue();
   EXPECT_EQ(t->fired, 2);
-}
+  EXPECT_EQ(clock->nextDeadline(), 0.0);
+  t->rearm = false;
+  clock->runDue();
+  EXPECT_EQ(t->fired, 3);
 
-TEST_F(ClockTest, FutureTimesWaitForTheClockAndDestroyedReactorsLeaveTheSchedule) {
-  auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->timeMinIs(fakeTime + 5);
   clock->runDue();
-  EXPECT_EQ(t->fired, 0);
+  EXPECT_EQ(t->fired, 3);
   fakeTime += 5;
   clock->runDue();
-  EXPECT_EQ(t->fired, 1);
+  EXPECT_EQ(t->fired, 4);
   t->timeMinIs(fakeTime + 1);
   t = nullptr;
   EXPECT_EQ(clock->nextDeadline(), Quor::never);
-}
-
-TEST_F(ClockTest, ARequestMadeBeforeAttachingCountsOnceAttached) {
-  auto t = Quor::makePtr<Ticker>();
-  t->timeMinIs(0.0);
-  EXPECT_EQ(clock->nextDeadline(), Quor::never);
-  t->notifierIs(clock);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  clock->runDue();
-  EXPECT_EQ(t->fired, 1);
 }
 
 // Takes `cost` seconds of the fake time at each firing, notes its name, and asks again.

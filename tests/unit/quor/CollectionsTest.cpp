@@ -61,18 +61,6 @@ TEST(OrderedWalk, InsertionBetweenCurrentAndSuccessorIsVisitedNext) {
   EXPECT_EQ(walkFrom(it), (std::vector<int>{10, 20, 30})) << "5 lies behind the walk and is not seen";
 }
 
-TEST(OrderedWalk, StartAtAndFindNextPositionForGetAndGetNext) {
-  Tree t;
-  fill<Tree, Row>(t, {10, 20, 30});
-  EXPECT_EQ(t.startAt(20).key(), 20);
-  EXPECT_EQ(t.startAt(21).key(), 30);
-  EXPECT_EQ(t.findNext(20).key(), 30);
-  EXPECT_FALSE(t.startAt(31));
-  EXPECT_FALSE(t.findNext(30));
-  EXPECT_EQ(t.member(20)->key, 20);
-  EXPECT_EQ(t.member(25), nullptr);
-}
-
 TEST(HashedWalk, OrderIsTheSameWhateverTheNumberOfBuckets) {
   Hash small, large;
   fill<Hash, Mark>(small, {1, 2, 3, 4, 5});
@@ -106,7 +94,6 @@ TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
   for (int k = 0; k < 1000; ++k) EXPECT_EQ(seen.count(k), 1u) << k;
   EXPECT_EQ(seen.size() + h.members(), 1000u + 10u) << "new members are seen at most once, or stay";
 }
-
 
 TEST(HashedWalk, ADrainedMapIsEmptyAndARefillWalksFromItsNewMembers) {
   Hash h;
