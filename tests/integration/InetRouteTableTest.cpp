@@ -5,13 +5,12 @@
 // to the file while the agent runs shows in the next walk, and one taken out goes.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 
 #include "AgentUnderTest.h"
 #include "Eventually.h"
 #include "ExpectedTable.h"
 #include "TableChecks.h"
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 namespace {
@@ -19,13 +18,6 @@ namespace {
 const std::string ipCidrRouteTable = ".1.3.6.1.2.1.4.24.4";
 const std::string inetCidrRouteNumber = ".1.3.6.1.2.1.4.24.6.0";
 const std::string inetCidrRouteTable = ".1.3.6.1.2.1.4.24.7";
-
-std::string defaultScenario() {
-  std::ifstream in(IPSNMP_DEFAULT_SCENARIO);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 // ipCidrRouteTable's column of each column of inetCidrRouteTable that shows the same value.
 const std::pair<unsigned, unsigned> sameColumns[] = {{7, 5},   {8, 6},   {9, 7},   {12, 11}, {13, 12},
@@ -123,7 +115,7 @@ class InetRouteTableTest : public ::testing::Test {
               std::to_string(ipv4.size() / 16 + ipv6.size()));
   }
 
-  const std::string scenario_ = defaultScenario();
+  const std::string scenario_ = TestSupport::fileText(IPSNMP_DEFAULT_SCENARIO);
   AgentUnderTest agent_{scenario_};
 };
 
