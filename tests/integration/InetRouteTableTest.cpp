@@ -2,7 +2,8 @@
 // default scenario: in the default context and a VRF's, the IPv4 rows of inetCidrRouteTable are the
 // rows of ipCidrRouteTable under the other index, with the same values (age and next-hop AS unsigned
 // 0), the IPv6 rows of the scenario follow, and inetCidrRouteNumber counts both; an IPv6 route added
-// to the file while the agent runs shows in the next walk, and one taken out goes.
+// to the file while the agent runs shows in the next walk, one taken out goes, and so does the row
+// of a next hop that its FEC loses.
 #include <gtest/gtest.h>
 
 
@@ -139,6 +140,12 @@ TEST_F(InetRouteTableTest, Ipv6RoutesAddedToAndTakenFromTheScenarioShowInTheNext
   std::vector<Ipv6Row> rows(defaultIpv6.begin(), defaultIpv6.end() - 1);  // the connected route's is last
   rows.insert(rows.end(), addedIpv6.begin(), addedIpv6.end());
   expectRows(Credentials::v2c("public"), rows);
+
+  // FEC 7 loses its link-local next hop: both of its routes lose that row.
+  const std::string linkLocalVia = "\"" + defaultHop + "@Ethernet1\", ";
+  ASSERT_NE(edited.find(linkLocalVia), std::string::npos);
+  agent_.scenarioIs(edited.erase(edited.find(linkLocalVia), linkLocalVia.size()));
+  expectRows(Credentials::v2c("public"), {defaultIpv6[0], addedIpv6[0]});
 }
 
 }  // namespace
