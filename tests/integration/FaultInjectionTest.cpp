@@ -175,12 +175,7 @@ TEST_F(FaultInjectionTest, GarbageSavedOverTheScenarioKeepsTablesAndContextsAsTh
   for (unsigned i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 7919u + 13u) % 256u);
   const std::string full = tablesScenario(100);
   // A refusal names the file and the line: ".../scenario.yaml:LINE: what".
-  auto refusals = [&] {
-    const std::string log = agent->log();
-    std::size_t count = 0;
-    for (std::size_t at = log.find("scenario.yaml:"); at != std::string::npos; at = log.find("scenario.yaml:", at + 1)) ++count;
-    return count;
-  };
+  auto refusals = [&] { return agent->logCount("scenario.yaml:"); };
   for (const std::string& bad : {garbage, full.substr(0, full.find("red: {") + 20)}) {
     const std::size_t before = refusals();
     agent->scenarioIs(bad);
