@@ -234,13 +234,7 @@ class RouteSlicing : public RouteTableFixture, public ::testing::WithParamInterf
                                  "10.0.0.5@",          "@",                  "@Ethernet1", "10.0.0.6@Ethernet5"};
     std::vector<const char*> chosen;
     for (unsigned n = random() % 4; n > 0; --n) chosen.push_back(vias[random() % std::size(vias)]);
-    Tarn::Fib::Fec fec;
-    fec.fecId = Tarn::Fib::FecId(id);
-    for (std::string_view via : chosen) {
-      const auto at = via.find('@');
-      fec.viaAdd({at ? Pelt::IpAddr(via.substr(0, at)) : Pelt::IpAddr(), Pelt::IntfId(via.substr(at + 1))});
-    }
-    fecs->table().put(fec.fecId, fec);
+    fecIs(id, chosen);
   }
   void randomChange(std::mt19937& random) {
     switch (random() % 8) {
