@@ -354,16 +354,5 @@ TEST_F(RouteMachineLifecycle, TeardownLeavesTheRowsAndHearsNothingMore) {
   EXPECT_EQ(rows(), Strings{"10.1.0.0 255.255.0.0 0 10.0.0.1 if0"});
 }
 
-TEST_F(RouteMachineLifecycle, AClockBoundAfterConstructionRunsAPassAtOnce) {
-  fecIs(1, {"10.0.0.1@"});
-  start();
-  settle();
-  routeIs("10.1.0.0/16", 1);
-  EXPECT_TRUE(rows().empty());
-  sm->quorClock()->notifierIs(Quor::makePtr<Quor::Clock>(Quor::Name("another clock")));
-  EXPECT_EQ(rows(), Strings{"10.1.0.0 255.255.0.0 0 10.0.0.1 if0"});
-  EXPECT_TRUE(idle());
-}
-
 }  // namespace
 }  // namespace IpSnmp
