@@ -9,7 +9,6 @@
 
 #include "platform/quor/Clock.h"
 #include "platform/quor/Reaper.h"
-#include "platform/quor/SlicedPass.h"
 
 namespace {
 
@@ -100,29 +99,9 @@ TEST_F(ClockTest, BusyReactorsShareTheRunsInTurn) {
   EXPECT_EQ(fired, "AB|CA|BC|");
 }
 
-// A pass of 100 steps of 1 ms each: slices end at the quantum (4.5 ms), and finish() runs what is left at once.
-TEST_F(ClockTest, ASlicedPassEndsEachSliceAtItsQuantumAndFinishRunsTheRest) {
-  int left = 100;
-  auto pass = Quor::slicedPass([&] {
-    fakeTime += 0.001;
-    return --left > 0;
-  }, 0.0045);
-  pass->start();
-  clock->runDue();
-  EXPECT_EQ(left, 95);  // 5 steps: the one that crosses the quantum ends the slice
-  EXPECT_TRUE(pass->pending());
-  clock->runDue();
-  EXPECT_EQ(left, 90);
-  pass->finish();
-  EXPECT_EQ(left, 0);
-  EXPECT_FALSE(pass->pending());
-  clock->runDue();
-  EXPECT_EQ(left, 0);
-  pass->stop();
-}
-
-// The reaper frees what it is handed in slices of the clock, in the order handed over, each step
-// holding what it frees until it says it is done; a large mapping goes back a piece at a time.
+// The reaper frees what it is handed in slices of the clock (a sliced pass of the default quantum,
+// whose finish() is reapAll), in the order handed over, each step holding what it frees until it
+// says it is done; a large mapping goes back a piece at a time.
 TEST_F(ClockTest, TheReaperFreesInSlicesInTheOrderHandedOver) {
   std::string freed;
   auto owner = [&](char name, int steps) {
