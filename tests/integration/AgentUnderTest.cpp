@@ -9,8 +9,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
+
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 
@@ -92,10 +93,7 @@ std::string AgentUnderTest::flitlogDump() {
   std::filesystem::remove(file);
   process_->signal(SIGUSR2);
   for (int i = 0; i < 50 && !std::filesystem::exists(file); ++i) ::usleep(100000);
-  std::ifstream in(file);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
+  return TestSupport::fileText(file);
 }
 
 void AgentUnderTest::scenarioIs(const std::string& scenario) {
@@ -104,12 +102,7 @@ void AgentUnderTest::scenarioIs(const std::string& scenario) {
   std::filesystem::rename(next, scenarioPath_);
 }
 
-std::string AgentUnderTest::log() const {
-  std::ifstream in(dir_ + "/snmpd.log");
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+std::string AgentUnderTest::log() const { return TestSupport::fileText(dir_ + "/snmpd.log"); }
 
 std::size_t AgentUnderTest::logCount(const std::string& text) const {
   const std::string all = log();

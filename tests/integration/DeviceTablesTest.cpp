@@ -80,38 +80,17 @@ TEST_F(DeviceTablesTest, StatisticsHaveARowPerIpVersionWithTheTypesOfTheirColumn
   EXPECT_EQ(bulkNames, walkNames);
 }
 
-// Each counter is answered between two reads of the kernel's file, which lie more than the half
-// second of the agent's freshness before and after the GET, so that the agent reads the files anew.
-TEST_F(DeviceTablesTest, CountersAreThoseOfTheKernel) {
-  struct Counter {
-    std::string oid;
-    const char* file;
-    const char* name;
-    unsigned long long modulo;  // 2^32 for a Counter32
-  };
-  const Counter counters[] = {{statsCell(3, 1), "/proc/net/snmp", "InReceives", 1ull << 32},
-                              {statsCell(4, 1), "/proc/net/snmp", "InReceives", ~0ull},
-                              {statsCell(20, 1), "/proc/net/snmp", "OutRequests", 1ull << 32},
-                              {statsCell(4, 2), "/proc/net/snmp6", "Ip6InReceives", ~0ull}};
-  std::vector<unsigned long long> before;
-  std::vector<std::string> oids;
-  for (const Counter& c : counters) {
-    before.push_back(kernelCountersIn(c.file).at(c.name) % c.modulo);
-    oids.push_back(c.oid);
-  }
+// The IPv6 row's counter is answered between two reads of the kernel's file, which lie more than the
+// half second of the agent's freshness before and after the GET, so that the agent reads the file
+// anew; the IPv4 octet counters are not read from the kernel. (The IPv4 row against the kernel is
+// VrfStatisticsTest's, in the default context and a VRF's.)
+TEST_F(DeviceTablesTest, Ipv6CountersAreThoseOfTheKernelAndIpv4OctetsAreZero) {
+  const unsigned long long before = kernelCountersIn("/proc/net/snmp6").at("Ip6InReceives");
   std::this_thread::sleep_for(std::chrono::milliseconds(600));
-  const std::vector<Varbind> answered = agent->tools().get(publicCommunity, oids).varbinds;
-  ASSERT_EQ(answered.size(), oids.size());
-  for (std::size_t i = 0; i < answered.size(); ++i) {
-    const Counter& c = counters[i];
-    const std::string& value = answered[i].value;
-    ASSERT_TRUE(!value.empty() && std::isdigit(static_cast<unsigned char>(value[0]))) << lineOf(answered[i]);
-    EXPECT_GE(std::stoull(value), before[i]) << c.oid << " against " << c.name;
-    EXPECT_LE(std::stoull(value), kernelCountersIn(c.file).at(c.name) % c.modulo) << c.oid << " against " << c.name;
-  }
-  // This test's own requests reach the agent over IPv4: that count cannot be zero.
-  EXPECT_NE(answered[0].value, "0");
-  // The IPv4 octet counters are not read from the kernel.
+  const std::string value = valueOf(statsCell(4, 2));
+  ASSERT_TRUE(!value.empty() && std::isdigit(static_cast<unsigned char>(value[0]))) << value;
+  EXPECT_GE(std::stoull(value), before);
+  EXPECT_LE(std::stoull(value), kernelCountersIn("/proc/net/snmp6").at("Ip6InReceives"));
   EXPECT_EQ(valueOf(statsCell(5, 1)), "0");
 }
 

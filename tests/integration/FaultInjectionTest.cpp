@@ -8,16 +8,17 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "AgentTest.h"
 #include "Eventually.h"
 #include "VrfScenario.h"
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 namespace {
 
 namespace fs = std::filesystem;
+using TestSupport::fileText;
 
 const Credentials defaultContext = Credentials::v2c("public");
 const Credentials redContext = Credentials::v3("red");
@@ -98,26 +99,6 @@ unsigned long routeRows(const AgentUnderTest& agent) {
   return number && !number->value.empty() ? std::stoul(number->value) : 0;
 }
 
-// The whole of a file, "" when it cannot be read.
-std::string fileText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-// A directory of the test's, removed with this object whatever the test's outcome.
-struct ScratchDirectory {
-  explicit ScratchDirectory(std::string where) : path(std::move(where)) { fs::create_directories(path); }
-  ~ScratchDirectory() {
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
-  }
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-  const std::string path;
-};
-
 class FaultInjectionTest : public AgentTest {
  protected:
   void start(const std::string& scenario) {
@@ -135,8 +116,8 @@ class FaultInjectionTest : public AgentTest {
 // the VRF's context keep their rows. The next save of the scenario rebuilds the table and the
 // neighbours come back whole.
 TEST_F(FaultInjectionTest, TableFileDamagedUnderTheAgentIsReportedAndRebuiltByTheNextWrite) {
-  const ScratchDirectory scratch(tables.path() + "-corruption");
-  const std::string& reports = scratch.path;
+  const TableRoot scratch;  // a directory of the test's for the reports
+  const std::string& reports = scratch.path();
   ::setenv("TARN_CORRUPTION_DIR", reports.c_str(), 1);
   ASSERT_NO_FATAL_FAILURE(start(tablesScenario(0)));
   ::unsetenv("TARN_CORRUPTION_DIR");
@@ -194,12 +175,7 @@ TEST_F(FaultInjectionTest, GarbageSavedOverTheScenarioKeepsTablesAndContextsAsTh
   for (unsigned i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 7919u + 13u) % 256u);
   const std::string full = tablesScenario(100);
   // A refusal names the file and the line: ".../scenario.yaml:LINE: what".
-  auto refusals = [&] {
-    const std::string log = agent->log();
-    std::size_t count = 0;
-    for (std::size_t at = log.find("scenario.yaml:"); at != std::string::npos; at = log.find("scenario.yaml:", at + 1)) ++count;
-    return count;
-  };
+  auto refusals = [&] { return agent->logCount("scenario.yaml:"); };
   for (const std::string& bad : {garbage, full.substr(0, full.find("red: {") + 20)}) {
     const std::size_t before = refusals();
     agent->scenarioIs(bad);

@@ -2,16 +2,16 @@
 // default scenario: in the default context and a VRF's, the IPv4 rows of inetCidrRouteTable are the
 // rows of ipCidrRouteTable under the other index, with the same values (age and next-hop AS unsigned
 // 0), the IPv6 rows of the scenario follow, and inetCidrRouteNumber counts both; an IPv6 route added
-// to the file while the agent runs shows in the next walk, and one taken out goes.
+// to the file while the agent runs shows in the next walk, one taken out goes, and so does the row
+// of a next hop that its FEC loses.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 
 #include "AgentUnderTest.h"
 #include "Eventually.h"
 #include "ExpectedTable.h"
 #include "TableChecks.h"
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 namespace {
@@ -19,13 +19,6 @@ namespace {
 const std::string ipCidrRouteTable = ".1.3.6.1.2.1.4.24.4";
 const std::string inetCidrRouteNumber = ".1.3.6.1.2.1.4.24.6.0";
 const std::string inetCidrRouteTable = ".1.3.6.1.2.1.4.24.7";
-
-std::string defaultScenario() {
-  std::ifstream in(IPSNMP_DEFAULT_SCENARIO);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 // ipCidrRouteTable's column of each column of inetCidrRouteTable that shows the same value.
 const std::pair<unsigned, unsigned> sameColumns[] = {{7, 5},   {8, 6},   {9, 7},   {12, 11}, {13, 12},
@@ -123,7 +116,7 @@ class InetRouteTableTest : public ::testing::Test {
               std::to_string(ipv4.size() / 16 + ipv6.size()));
   }
 
-  const std::string scenario_ = defaultScenario();
+  const std::string scenario_ = TestSupport::fileText(IPSNMP_DEFAULT_SCENARIO);
   AgentUnderTest agent_{scenario_};
 };
 
@@ -147,6 +140,12 @@ TEST_F(InetRouteTableTest, Ipv6RoutesAddedToAndTakenFromTheScenarioShowInTheNext
   std::vector<Ipv6Row> rows(defaultIpv6.begin(), defaultIpv6.end() - 1);  // the connected route's is last
   rows.insert(rows.end(), addedIpv6.begin(), addedIpv6.end());
   expectRows(Credentials::v2c("public"), rows);
+
+  // FEC 7 loses its link-local next hop: both of its routes lose that row.
+  const std::string linkLocalVia = "\"" + defaultHop + "@Ethernet1\", ";
+  ASSERT_NE(edited.find(linkLocalVia), std::string::npos);
+  agent_.scenarioIs(edited.erase(edited.find(linkLocalVia), linkLocalVia.size()));
+  expectRows(Credentials::v2c("public"), {defaultIpv6[0], addedIpv6[0]});
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 #include "KernelCounters.h"
 
-#include <fstream>
 #include <sstream>
+
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 
@@ -21,11 +22,6 @@ KernelCounters kernelCountersOf(const std::string& text) {
   return counters;
 }
 
-KernelCounters kernelCountersIn(const std::string& path) {
-  std::ifstream in(path);
-  std::stringstream text;
-  text << in.rdbuf();
-  return kernelCountersOf(text.str());
-}
+KernelCounters kernelCountersIn(const std::string& path) { return kernelCountersOf(TestSupport::fileText(path)); }
 
 }  // namespace IntegrationTest

@@ -5,14 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "AgentUnderTest.h"
 #include "Eventually.h"
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 namespace {
@@ -23,13 +22,6 @@ const std::string statisticsTable = ".1.3.6.1.4.1.48213.3.1.1.1";
 
 const std::vector<Credentials> contexts = {Credentials::v2c("public"), Credentials::v2c("public@red"),
                                            Credentials::v3("red"), Credentials::v3("blue")};
-
-std::string scenarioText() {
-  std::ifstream in(IPSNMP_DEFAULT_SCENARIO);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 // Everything the agent serves to `who`, one "OID = TYPE: VALUE" line per object: the IP group and the
 // VRF tables whole; of the statistics table the objects and their types, since its counters move
@@ -59,7 +51,7 @@ class SubagentTest : public ::testing::Test {
   }
   void start(AgentMode mode) {
     auto& agent = mode == AgentMode::plugin ? plugin : subagent;
-    agent = std::make_unique<AgentUnderTest>(scenarioText(), "", mode);
+    agent = std::make_unique<AgentUnderTest>(TestSupport::fileText(IPSNMP_DEFAULT_SCENARIO), "", mode);
     ASSERT_TRUE(agent->ready()) << agent->diagnostics();
   }
   std::unique_ptr<AgentUnderTest> plugin;

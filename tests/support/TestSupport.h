@@ -1,6 +1,7 @@
 #pragma once
 // Helpers shared by the tests of every room. A test states its own expectations; these only fetch
 // what it needs to compare.
+#include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -17,6 +18,14 @@ std::string text(const T& value) {
   std::ostringstream out;
   out << std::boolalpha << value;
   return out.str();
+}
+
+// The whole of the file at `path`, "" when it cannot be read.
+inline std::string fileText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 // A directory of its own, made empty under `parent` and removed with everything in it.

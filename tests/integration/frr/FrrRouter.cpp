@@ -8,8 +8,9 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <thread>
+
+#include "tests/support/TestSupport.h"
 
 namespace IntegrationTest {
 
@@ -20,18 +21,11 @@ namespace fs = std::filesystem;
 const fs::path daemonDir = "/usr/lib/frr";
 const std::string dirPrefix = "ipsnmp-frr.";
 
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 bool alive(pid_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
 
 // Whether process `pid` is `daemon` and has not ended.
 bool runs(pid_t pid, const std::string& daemon) {
-  const std::string stat = readFile("/proc/" + std::to_string(pid) + "/stat");
+  const std::string stat = TestSupport::fileText("/proc/" + std::to_string(pid) + "/stat");
   const auto open = stat.find('('), close = stat.rfind(')');
   if (open == std::string::npos || close == std::string::npos || close + 2 >= stat.size()) return false;
   return stat.substr(open + 1, close - open - 1) == daemon && stat[close + 2] != 'Z';
@@ -41,7 +35,7 @@ bool runs(pid_t pid, const std::string& daemon) {
 // outright: what it would tidy on SIGTERM (its routes, its sessions) goes with the test's
 // namespaces, and FRR's daemons take seconds each to end on SIGTERM.
 void stopDaemon(const fs::path& pidFile) {
-  const pid_t pid = static_cast<pid_t>(std::atol(readFile(pidFile).c_str()));
+  const pid_t pid = static_cast<pid_t>(std::atol(TestSupport::fileText(pidFile).c_str()));
   const std::string daemon = pidFile.stem().string();
   if (pid <= 0 || !runs(pid, daemon)) return;
   ::kill(pid, SIGKILL);
@@ -110,7 +104,7 @@ CommandResult FrrRouter::vtysh(const std::string& daemon, const std::vector<std:
 
 std::string FrrRouter::logs() const {
   std::string all;
-  for (const std::string& daemon : daemons_) all += "--- " + daemon + ".log\n" + readFile(dir_ + "/" + daemon + ".log");
+  for (const std::string& daemon : daemons_) all += "--- " + daemon + ".log\n" + TestSupport::fileText(dir_ + "/" + daemon + ".log");
   return all;
 }
 

@@ -2,14 +2,12 @@
 // A shared-memory table entity whose view reads a table in the process until the test damages it:
 // from then on every read raises the corruption exception, as a reader of a file that a broken
 // writer left behind would. Reporting the damage detaches the view, which then reads as the stub.
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "platform/tarn/InProcessTable.h"
+#include "tests/support/TestSupport.h"
 
 namespace IpSnmp {
 
@@ -66,20 +64,11 @@ class DamageableTable final : public Status {
 // Sends the reports of damaged tables to a directory of the test's own while it lives.
 class CorruptionReportDir {
  public:
-  CorruptionReportDir()
-      : dir_(std::filesystem::temp_directory_path() / ("ipsnmp-agent-test-" + std::to_string(::getpid()))) {
-    ::setenv("TARN_CORRUPTION_DIR", dir_.c_str(), 1);
-  }
-  ~CorruptionReportDir() {
-    ::unsetenv("TARN_CORRUPTION_DIR");
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  CorruptionReportDir(const CorruptionReportDir&) = delete;
-  CorruptionReportDir& operator=(const CorruptionReportDir&) = delete;
+  CorruptionReportDir() { ::setenv("TARN_CORRUPTION_DIR", dir_.path().c_str(), 1); }
+  ~CorruptionReportDir() { ::unsetenv("TARN_CORRUPTION_DIR"); }
 
  private:
-  std::filesystem::path dir_;
+  TestSupport::TempDir dir_;
 };
 
 }  // namespace IpSnmp

@@ -59,12 +59,6 @@ std::set<Pelt::Prefix> RouteTableFixture::marked() const {
   return out;
 }
 
-std::vector<U64> RouteTableFixture::fecsWalked() const {
-  std::vector<U64> out;
-  for (Tarn::Fib::FecId fecId : sm->fecWalks()) out.push_back(fecId.value());
-  return out;
-}
-
 std::set<std::string> RouteTableFixture::waitingFor(const char* intf) const {
   const PrefixList* list = sm->intfDep(Pelt::IntfId(intf));
   if (!list) return {"absent"};

@@ -12,7 +12,6 @@
 
 #include "agent/IpRouteTableSm.h"
 #include "tests/unit/agent/DamageableTable.h"
-#include "tests/unit/agent/TraceLines.h"
 
 namespace IpSnmp {
 
@@ -32,11 +31,9 @@ class RouteTableFixture : public ::testing::Test {
   void runClock() { clock->runDue(); }
   // Runs the clock until the machine has nothing left to do.
   void settle();
-  static void timePasses(double seconds) { fakeNow += seconds; }
 
   // The interface exists with this index; a new status object each time, as the store makes it.
   void intfUp(const char* name, S32 ifIndex, const char* kind = "ethernet");
-  void intfGone(const char* name) { intfStatusDir->intfStatusDel(Pelt::IntfId(name)); }
 
   // The route of `prefix` names FEC `fecId`.
   void routeIs(const char* prefix, U64 fecId, Routing::Fib::RouteType type = Routing::Fib::routeTypeConnected,
@@ -50,8 +47,6 @@ class RouteTableFixture : public ::testing::Test {
   std::vector<std::string> rows() const;
   // The prefixes in the backlog.
   std::set<Pelt::Prefix> marked() const;
-  // The FECs whose prefixes wait to be rebuilt.
-  std::vector<U64> fecsWalked() const;
   // The prefixes waiting for `intf`, or {"absent"} when it has no list.
   std::set<std::string> waitingFor(const char* intf) const;
   bool scheduled() const { return sm->quorClock()->timeMin() == 0.0; }

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "platform/quor/Clock.h"
 #include "platform/tarn/Mount.h"
 #include "platform/tarn/TableReader.h"
 
@@ -41,15 +40,6 @@ std::vector<std::string> lines(const std::string& command) {
   for (std::string line; std::getline(in, line);)
     if (!line.empty()) all.push_back(line);
   return all;
-}
-
-bool runUntil(const std::function<bool()>& done, double seconds) {
-  const double deadline = Quor::now() + seconds;
-  while (!done()) {
-    if (Quor::now() > deadline) return false;
-    Quor::activityManager()->runOnce(0.05);
-  }
-  return true;
 }
 
 namespace {

@@ -13,6 +13,7 @@
 #include "platform/tarn/ArpEntry.h"
 #include "platform/tarn/FibFec.h"
 #include "platform/tarn/VrfEntry.h"
+#include "tests/support/TestSupport.h"
 
 namespace LinuxTest {
 
@@ -27,7 +28,7 @@ void must(const std::string& command);
 std::vector<std::string> lines(const std::string& command);
 
 // Runs the event loop until `done` holds or `seconds` have passed; whether it held.
-bool runUntil(const std::function<bool()>& done, double seconds = 10);
+inline bool runUntil(const std::function<bool()>& done, double seconds = 10) { return TestSupport::turnUntil(done, seconds); }
 
 // The tables as a reader finds them under `root`.
 std::map<Pelt::Prefix, Tarn::Fib::Route> readRoutes(const std::filesystem::path& root, const std::string& vrf);

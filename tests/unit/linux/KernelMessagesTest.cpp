@@ -68,39 +68,6 @@ TEST(KernelMessages, PointToPointAddressIsTheLocalOneWithItsWideFlags) {
   EXPECT_EQ(addr->flags, U32(IFA_F_SECONDARY | IFA_F_NOPREFIXROUTE));
 }
 
-TEST(KernelMessages, MultipathRouteKeepsEveryIpv4NextHop) {
-  Message m;
-  startRouteTo10_9(m, RTPROT_BOOT);
-  mnl_attr_put_u32(m.header(), RTA_PRIORITY, 20);
-  nlattr* paths = mnl_attr_nest_start(m.header(), RTA_MULTIPATH);
-  auto addHop = [&](int ifIndex, const char* gateway, bool viaIpv6) {
-    auto* hop = static_cast<rtnexthop*>(mnl_nlmsg_get_payload_tail(m.header()));
-    m.header()->nlmsg_len += MNL_ALIGN(sizeof(rtnexthop));
-    hop->rtnh_ifindex = ifIndex;
-    if (viaIpv6) {
-      char via[18] = {AF_INET6 & 0xff, 0};
-      mnl_attr_put(m.header(), RTA_VIA, sizeof via, via);
-    } else {
-      m.ipv4(RTA_GATEWAY, gateway);
-    }
-    hop->rtnh_len = static_cast<unsigned short>(static_cast<char*>(mnl_nlmsg_get_payload_tail(m.header())) -
-                                                reinterpret_cast<char*>(hop));
-  };
-  addHop(3, "10.1.0.2", false);
-  addHop(4, nullptr, true);
-  addHop(5, "10.2.0.2", false);
-  mnl_attr_nest_end(m.header(), paths);
-
-  auto route = decodeRoute(*m.header());
-  ASSERT_TRUE(route);
-  EXPECT_EQ(route->prefix, Pelt::Prefix("10.9.0.0/16"));
-  EXPECT_EQ(route->priority, 20u);
-  ASSERT_EQ(route->nextHops.size(), 2u) << "the next hop by IPv6 gateway is left out";
-  EXPECT_EQ(route->nextHops[0], (KernelNextHop{Pelt::IpAddr("10.1.0.2"), 3}));
-  EXPECT_EQ(route->nextHops[1], (KernelNextHop{Pelt::IpAddr("10.2.0.2"), 5}));
-  EXPECT_EQ(routeTypeOf(*route), Routing::Fib::routeTypeStaticConfig);
-}
-
 // A nexthop object's message: `id` 0 leaves NHA_ID out; `group` is NHA_GROUP's payload as given.
 Message nexthopMessage(U16 type, U32 id, S32 ifIndex, const char* gateway, std::vector<nexthop_grp> group = {},
                        std::size_t gatewayBytes = 4) {

@@ -1,5 +1,6 @@
-// The writers of the tables: FECs shared by next hops and let go with their last route, a writer
-// that takes over its predecessor's files, growth past the first size, and stable VRF ids.
+// The writers of the tables: a writer that takes over its predecessor's files, growth past the first
+// size, and stable VRF ids. (FECs shared by next hops and let go with their last route are
+// LinuxTables', against the kernel.)
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -36,24 +37,6 @@ class TableWriters : public testing::Test {
   fs::path root;
   const L3::VrfName red{"red"};
 };
-
-// Sharing across namespaces is LinuxTables'; here a FEC's life with its routes.
-TEST_F(TableWriters, FecIsSharedByItsRoutesAndGoesWithTheLast) {
-  RouteTables tables(root, red);
-  tables.routeIs(Pelt::Prefix("10.1.0.0/16"), via({"10.0.0.1", "10.0.0.2"}));
-  tables.routeIs(Pelt::Prefix("10.2.0.0/16"), via({"10.0.0.1", "10.0.0.2"}));
-  tables.commit();
-  ASSERT_EQ(fecs().size(), 1u);
-  tables.routeIs(Pelt::Prefix("10.2.0.0/16"), via({"10.0.0.3"}));
-  tables.routeIs(Pelt::Prefix("10.1.0.0/16"), std::nullopt);
-  tables.commit();
-  ASSERT_EQ(fecs().size(), 1u) << "only 10.2.0.0/16's";
-  EXPECT_EQ(fecs().begin()->second.viaCount, 1u);
-  tables.routeIs(Pelt::Prefix("10.2.0.0/16"), std::nullopt);
-  tables.commit();
-  EXPECT_TRUE(routes().empty());
-  EXPECT_TRUE(fecs().empty());
-}
 
 TEST_F(TableWriters, WriterStartedAgainTakesThePredecessorsTablesOver) {
   U64 oldFec = 0;

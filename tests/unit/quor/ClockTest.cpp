@@ -9,7 +9,6 @@
 
 #include "platform/quor/Clock.h"
 #include "platform/quor/Reaper.h"
-#include "platform/quor/SlicedPass.h"
 
 namespace {
 
@@ -33,50 +32,38 @@ class ClockTest : public ::testing::Test {
   const Quor::Ptr<Quor::Clock>& clock = Quor::activityManager()->clock();
 };
 
-TEST_F(ClockTest, ZeroMeansNextRunAndFiringConsumesTheRequest) {
+// A request of 0.0 fires at the next run, once; one made inside onTime waits for the run after; a
+// future time waits for the clock; a request made before attaching counts once attached; a destroyed
+// reactor leaves the schedule.
+TEST_F(ClockTest, RequestsFireOnceAtTheirRunAndLeaveWithTheirReactor) {
   auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->timeMinIs(0.0);
+  EXPECT_EQ(clock->nextDeadline(), Quor::never);
+  t->notifierIs(clock);
+  EXPECT_EQ(clock->nextDeadline(), 0.0);
   clock->runDue();
   clock->runDue();
   EXPECT_EQ(t->fired, 1);
   EXPECT_EQ(t->timeMin(), Quor::never);
-}
 
-TEST_F(ClockTest, ARequestFromInsideOnTimeWaitsForTheNextRun) {
-  auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->rearm = true;
   t->timeMinIs(0.0);
   clock->runDue();
-  EXPECT_EQ(t->fired, 1);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  clock->runDue();
   EXPECT_EQ(t->fired, 2);
-}
+  EXPECT_EQ(clock->nextDeadline(), 0.0);
+  t->rearm = false;
+  clock->runDue();
+  EXPECT_EQ(t->fired, 3);
 
-TEST_F(ClockTest, FutureTimesWaitForTheClockAndDestroyedReactorsLeaveTheSchedule) {
-  auto t = Quor::makePtr<Ticker>();
-  t->notifierIs(clock);
   t->timeMinIs(fakeTime + 5);
   clock->runDue();
-  EXPECT_EQ(t->fired, 0);
+  EXPECT_EQ(t->fired, 3);
   fakeTime += 5;
   clock->runDue();
-  EXPECT_EQ(t->fired, 1);
+  EXPECT_EQ(t->fired, 4);
   t->timeMinIs(fakeTime + 1);
   t = nullptr;
   EXPECT_EQ(clock->nextDeadline(), Quor::never);
-}
-
-TEST_F(ClockTest, ARequestMadeBeforeAttachingCountsOnceAttached) {
-  auto t = Quor::makePtr<Ticker>();
-  t->timeMinIs(0.0);
-  EXPECT_EQ(clock->nextDeadline(), Quor::never);
-  t->notifierIs(clock);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  clock->runDue();
-  EXPECT_EQ(t->fired, 1);
 }
 
 // Takes `cost` seconds of the fake time at each firing, notes its name, and asks again.
@@ -112,29 +99,9 @@ TEST_F(ClockTest, BusyReactorsShareTheRunsInTurn) {
   EXPECT_EQ(fired, "AB|CA|BC|");
 }
 
-// A pass of 100 steps of 1 ms each: slices end at the quantum (4.5 ms), and finish() runs what is left at once.
-TEST_F(ClockTest, ASlicedPassEndsEachSliceAtItsQuantumAndFinishRunsTheRest) {
-  int left = 100;
-  auto pass = Quor::slicedPass([&] {
-    fakeTime += 0.001;
-    return --left > 0;
-  }, 0.0045);
-  pass->start();
-  clock->runDue();
-  EXPECT_EQ(left, 95);  // 5 steps: the one that crosses the quantum ends the slice
-  EXPECT_TRUE(pass->pending());
-  clock->runDue();
-  EXPECT_EQ(left, 90);
-  pass->finish();
-  EXPECT_EQ(left, 0);
-  EXPECT_FALSE(pass->pending());
-  clock->runDue();
-  EXPECT_EQ(left, 0);
-  pass->stop();
-}
-
-// The reaper frees what it is handed in slices of the clock, in the order handed over, each step
-// holding what it frees until it says it is done; a large mapping goes back a piece at a time.
+// The reaper frees what it is handed in slices of the clock (a sliced pass of the default quantum,
+// whose finish() is reapAll), in the order handed over, each step holding what it frees until it
+// says it is done; a large mapping goes back a piece at a time.
 TEST_F(ClockTest, TheReaperFreesInSlicesInTheOrderHandedOver) {
   std::string freed;
   auto owner = [&](char name, int steps) {

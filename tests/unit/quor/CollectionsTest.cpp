@@ -1,5 +1,6 @@
 // The walk guarantees of the ordered and hashed collections: what the request handlers and the
-// route backlog rely on when rows come and go under an iterator.
+// machines rely on when members come and go under an iterator. (The route backlog's resumption at a
+// remembered prefix is its own, PrefixSet's, shown by the route machine's pass tests.)
 #include <gtest/gtest.h>
 
 #include <set>
@@ -61,39 +62,6 @@ TEST(OrderedWalk, InsertionBetweenCurrentAndSuccessorIsVisitedNext) {
   EXPECT_EQ(walkFrom(it), (std::vector<int>{10, 20, 30})) << "5 lies behind the walk and is not seen";
 }
 
-TEST(OrderedWalk, StartAtAndFindNextPositionForGetAndGetNext) {
-  Tree t;
-  fill<Tree, Row>(t, {10, 20, 30});
-  EXPECT_EQ(t.startAt(20).key(), 20);
-  EXPECT_EQ(t.startAt(21).key(), 30);
-  EXPECT_EQ(t.findNext(20).key(), 30);
-  EXPECT_FALSE(t.startAt(31));
-  EXPECT_FALSE(t.findNext(30));
-  EXPECT_EQ(t.member(20)->key, 20);
-  EXPECT_EQ(t.member(25), nullptr);
-}
-
-TEST(HashedWalk, OrderIsTheSameWhateverTheNumberOfBuckets) {
-  Hash small, large;
-  fill<Hash, Mark>(small, {1, 2, 3, 4, 5});
-  for (int k = 1; k <= 5000; ++k) large.memberIs(Quor::makePtr<Mark>(k));
-  for (int k = 6; k <= 5000; ++k) large.deleteMember(k);
-  EXPECT_EQ(walkFrom(small.begin()), walkFrom(large.begin()));
-}
-
-TEST(HashedWalk, ResumesAtARememberedKeyAcrossGrowth) {
-  Hash h;
-  for (int k = 0; k < 100; ++k) h.memberIs(Quor::makePtr<Mark>(k));
-  std::vector<int> order = walkFrom(h.begin());
-  int bookmark = order[40];
-  for (int k = 100; k < 3000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
-  for (int k = 100; k < 3000; ++k) h.deleteMember(k);
-  EXPECT_EQ(h.startAtHash(bookmark).key(), bookmark);
-  h.deleteMember(bookmark);
-  EXPECT_EQ(h.startAtHash(bookmark).key(), order[41]) << "an absent bookmark resumes at its place";
-  EXPECT_EQ(h.findNextG(order[41]).key(), order[42]);
-}
-
 TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
   Hash h;
   for (int k = 0; k < 1000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
@@ -107,7 +75,6 @@ TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
   EXPECT_EQ(seen.size() + h.members(), 1000u + 10u) << "new members are seen at most once, or stay";
 }
 
-
 TEST(HashedWalk, ADrainedMapIsEmptyAndARefillWalksFromItsNewMembers) {
   Hash h;
   for (int k = 0; k < 5000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
@@ -116,7 +83,6 @@ TEST(HashedWalk, ADrainedMapIsEmptyAndARefillWalksFromItsNewMembers) {
   EXPECT_FALSE(h.begin()) << "an empty map has no first member, however many buckets it kept";
   for (int k = 0; k < 10; ++k) h.memberIs(Quor::makePtr<Mark>(k));
   EXPECT_EQ(walkFrom(h.begin()).size(), 10u);
-  EXPECT_EQ(h.startAtHash(3).key(), 3);
 }
 
 }  // namespace

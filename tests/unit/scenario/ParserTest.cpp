@@ -3,8 +3,6 @@
 // complete example is accepted whole.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "sources/scenario/ScenarioParser.h"
@@ -127,10 +125,7 @@ TEST(ScenarioChecks, EachFileGetsItsVerdict) {
 }
 
 TEST(ScenarioDocs, TheCompleteExampleOfTheFormatIsAcceptedWhole) {
-  std::ifstream doc(SCENARIO_DOC);
-  std::stringstream text;
-  text << doc.rdbuf();
-  const std::string all = text.str();
+  const std::string all = TestSupport::fileText(SCENARIO_DOC);
   const std::size_t start = all.find("```yaml\n", all.find("## A complete example"));
   const std::size_t end = all.find("```\n", start + 8);
   ASSERT_NE(end, std::string::npos);

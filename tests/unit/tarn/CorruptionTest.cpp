@@ -1,6 +1,6 @@
-// A broken writer's damage is found by the reader, named, and never read as a record; a writer
-// killed in the middle of a write leaves the previous record; a writer does not take a damaged file
-// over but builds a new one.
+// A broken writer's damage is found by the reader, named, and never read as a record; a writer does
+// not take a damaged file over but builds a new one. (A writer killed in the middle of a write, which
+// must leave the previous record, is the cross-process test's.)
 #include <unistd.h>
 
 #include <filesystem>
@@ -68,20 +68,6 @@ TEST_F(Corruption, EachDamageIsFoundNamedAndNeverRead) {
     EXPECT_NE(failure.find(d.words), std::string::npos) << failure;
     EXPECT_NE(failure.find(path()), std::string::npos) << failure;
   }
-}
-
-// A writer killed between announcing and publishing a write leaves the previous copy current.
-TEST_F(Corruption, AWriteThatNeverFinishedLeavesThePreviousRecord) {
-  U32 slot = raw_->slotOf(4);
-  Tarn::SlotControl& control = raw_->memory().control(slot);
-  U32 next = control.published.load() + 1;
-  control.begun.store(next);
-  std::memset(Tarn::TableMemory::record(raw_->memory().cell(slot, next & 1)), 0xee, sizeof(CheckedRecord));
-  CheckedRecord out;
-  U64 key = 4;
-  ASSERT_TRUE(reader_->lookup(&key, &out));
-  EXPECT_TRUE(out.whole());
-  EXPECT_EQ(out.version, 1u);
 }
 
 TEST_F(Corruption, AWriterBuildsANewFileInPlaceOfADamagedOne) {

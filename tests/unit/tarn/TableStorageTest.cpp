@@ -1,5 +1,5 @@
 // Records by key in a table file: what a writer puts, a reader finds, whatever churn came before, and
-// what a second writer or one of another size makes of the file.
+// what a second writer makes of the file. (One of another size is the cross-process test's.)
 #include <filesystem>
 #include <iterator>
 #include <map>
@@ -66,27 +66,6 @@ TEST_F(TableStorage, ANewWriterTakesTheFileOverWithItsRecordsAndANewGeneration) 
   EXPECT_EQ(r->generation(), generation + 1);
   EXPECT_EQ(versionOf(*r, 1), 10u);
   EXPECT_EQ(w->members(), 1u);
-}
-
-// Readers move to the rebuilt file as soon as it is in place: it must hold what the old one held.
-TEST_F(TableStorage, AWriterOfAnotherSizeRebuildsTheFileWithItsRecords) {
-  std::map<U64, U64> kept;
-  {
-    auto w = writer(1000);
-    for (U64 k = 1; k <= 900; ++k) put(*w, k, k + 10);
-    for (U64 k = 3; k <= 900; k += 3) w->erase(&k);
-    for (U64 k = 1; k <= 900; ++k)
-      if (k % 3) kept[k] = k + 10;
-  }
-  auto old = reader();
-  auto w = writer(2000);
-  EXPECT_TRUE(old->unlinked());
-  auto r = reader();
-  EXPECT_EQ(r->geometry().maxMembers, 2000u);
-  EXPECT_FALSE(r->batchOpen());
-  EXPECT_EQ(TarnTest::contentOf(*r), kept);
-  for (U64 k = 901; k <= 1900; ++k) put(*w, k, 1);
-  EXPECT_EQ(w->members(), 1600u);
 }
 
 }  // namespace
