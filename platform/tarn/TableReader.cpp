@@ -1,17 +1,14 @@
 #include "platform/tarn/TableReader.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <deque>
 #include <immintrin.h>
 
-#include "platform/quor/Clock.h"
 
 namespace Tarn {
 
@@ -22,45 +19,6 @@ std::string hex(U32 v) {
   std::snprintf(text, sizeof text, "0x%08x", v);
   return text;
 }
-
-// The one timer of the process that hands back the pages of the readers that have read since their
-// last hand-back: armed by the first such read, it fires pageReleaseDelay seconds later and then
-// every turn, releaseStep bytes a turn, until every such reader is done.
-class PageRelease : public Quor::Clock::NotifieeConst {
- public:
-  static PageRelease& instance() {
-    static const Quor::Ptr<PageRelease> release = [] {
-      auto made = Quor::makePtr<PageRelease>();
-      made->notifierIs(Quor::activityManager()->clock());
-      return made;
-    }();
-    return *release;
-  }
-  void touched(const TableReader* reader) {
-    pending_.push_back({reader, 0});
-    if (timeMin() == Quor::never) timeMinIs(Quor::now() + TableReader::pageReleaseDelay);
-  }
-  void forget(const TableReader* reader) {
-    std::erase_if(pending_, [reader](const Pending& p) { return p.reader == reader; });
-  }
-  void onTime() override {
-    std::size_t budget = releaseStep;
-    while (!pending_.empty() && budget > 0) {
-      Pending& next = pending_.front();
-      next.from = next.reader->pagesRelease(next.from, budget);
-      if (next.from == 0) pending_.pop_front();
-    }
-    if (!pending_.empty()) timeMinIs(Quor::now());
-  }
-
- private:
-  static constexpr std::size_t releaseStep = std::size_t(16) << 20;
-  struct Pending {
-    const TableReader* reader;
-    std::size_t from;
-  };
-  std::deque<Pending> pending_;
-};
 
 }  // namespace
 
@@ -102,29 +60,6 @@ TableReader::TableReader(std::string path, FileDescriptor fd, Mapping mapping, c
   std::memcpy(sealedHeader_, mapping_.base(), fixedHeaderSize);
 }
 
-TableReader::~TableReader() {
-  if (touched_) PageRelease::instance().forget(this);
-}
-
-void TableReader::touch() const {
-  touched_ = true;
-  PageRelease::instance().touched(this);
-}
-
-std::size_t TableReader::pagesRelease(std::size_t from, std::size_t& budget) const {
-  static const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  if (from == 0) {
-    touched_ = false;
-    from = page;  // the header's page stays: every read looks at it
-  }
-  if (from >= mapping_.size()) return 0;
-  const std::size_t length = std::min(budget, mapping_.size() - from);
-  ::madvise(mapping_.base() + from, length, MADV_DONTNEED);
-  budget -= length;
-  from += length;
-  return from < mapping_.size() ? from : 0;
-}
-
 void TableReader::corrupt(const std::string& what) const {
   ++counters_.corruptions;
   throwCorruption(path_ + ": " + what);
@@ -137,7 +72,7 @@ void TableReader::checkHeader() const {
 SlotState TableReader::readSlot(U32 slot, void* out, U32* published) const {
   checkHeader();
   ++counters_.reads;
-  if (!touched_) touch();
+  pages_.touched();
   const SlotControl& control = memory_.control(slot);
   const U32 recordSize = geometry_.recordSize;
   for (int attempt = 0; attempt < maxReadAttempts; ++attempt) {
@@ -207,7 +142,7 @@ U64 TableReader::commitSeq() const noexcept { return memory_.header().commitSeq.
 U64 TableReader::logHead() const noexcept { return memory_.header().logHead.load(std::memory_order_acquire); }
 
 bool TableReader::logEntry(U64 position, U32* slot) const {
-  if (!touched_) touch();
+  pages_.touched();
   U64 entry = memory_.logEntry(position, geometry_.logCapacity).load(std::memory_order_relaxed);
   if (U32(entry >> 32) != U32(position)) return false;
   *slot = U32(entry);

@@ -7,19 +7,14 @@
 // changed, a slot in an impossible state, a record whose checksum does not match, a slot that kept
 // changing through every attempt: each raises CorruptionDetectedException naming the file and slot.
 //
-// Pages. A read maps the pages it touches into the process, and mapped pages of the file count in
-// the process's resident set although they are the writer's, in memory once whoever maps them. The
-// reader hands them back pageReleaseDelay seconds after the first read that follows the last hand-back,
-// from the activity manager's clock (madvise MADV_DONTNEED on the shared mapping: the file keeps its
-// contents, and the next read of a page maps it again with a minor fault). So the resident set holds
-// the pages read in the last second or so, not every page of a table that a first pass has read.
-// The hand-back goes a few megabytes a turn: a hundred megabytes at once held the loop 10 ms.
+// A read maps the pages it touches into the process; they go back a second later (PageHandBack.h).
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "platform/tarn/Exceptions.h"
 #include "platform/tarn/MappedFile.h"
+#include "platform/tarn/PageHandBack.h"
 #include "platform/tarn/TableFormat.h"
 
 namespace Tarn {
@@ -76,14 +71,6 @@ class TableReader {
   bool unlinked() const;
   const ReaderCounters& counters() const noexcept { return counters_; }
 
-  // Seconds from the first read after a hand-back of the pages to the next hand-back.
-  static constexpr double pageReleaseDelay = 1.0;
-  // Hands back up to `budget` bytes of the file's pages from offset `from` (0: a hand-back begins),
-  // all but the header's (see Pages above); takes what it handed back from `budget`. Returns where
-  // the next step starts, 0 once the whole file is handed back.
-  std::size_t pagesRelease(std::size_t from, std::size_t& budget) const;
-
-  ~TableReader();
 
  private:
   TableReader(std::string path, FileDescriptor fd, Mapping mapping, const TableGeometry& geometry);
@@ -93,14 +80,13 @@ class TableReader {
   std::string path_;
   FileDescriptor fd_;
   Mapping mapping_;
+  PageHandBack pages_{mapping_};
   TableGeometry geometry_;
   TableMemory memory_;
   unsigned char sealedHeader_[fixedHeaderSize];
-  void touch() const;
 
   mutable ReaderCounters counters_;
   ReadObserver* observer_ = nullptr;
-  mutable bool touched_ = false;
 };
 
 }  // namespace Tarn

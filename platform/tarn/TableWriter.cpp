@@ -126,6 +126,7 @@ TableWriter::~TableWriter() { endBatch(); }
 bool TableWriter::takeOver() {
   mapping_ = Mapping(fd_.get(), geometry_.fileSize(), true);
   memory_ = TableMemory(mapping_.base(), geometry_);
+  pages_.touched();
   U32 members = 0, tombstones = 0;
   for (U32 slot = 0; slot < geometry_.capacity; ++slot) {
     const CellHeader& cell = memory_.current(slot);
@@ -188,12 +189,14 @@ TableWriter::Probe TableWriter::probe(const void* key) const {
 }
 
 bool TableWriter::find(const void* key, void* out) const {
+  pages_.touched();
   Probe p = probe(key);
   if (p.found) std::memcpy(out, recordOf(p.slot), geometry_.recordSize);
   return p.found;
 }
 
 void TableWriter::forEachRecord(const std::function<void(const void* record)>& visit) const {
+  pages_.touched();
   for (U32 slot = 0; slot < geometry_.capacity; ++slot)
     if (stateOf(slot) == SlotState::occupied) visit(recordOf(slot));
 }
@@ -202,6 +205,7 @@ U32 TableWriter::members() const noexcept { return memory_.header().members.load
 
 void TableWriter::openBatch() {
   if (batchOpen_) return;
+  pages_.touched();
   memory_.header().commitSeq.fetch_add(1, std::memory_order_release);
   batchOpen_ = true;
 }

@@ -17,6 +17,7 @@
 #include <string_view>
 
 #include "platform/tarn/MappedFile.h"
+#include "platform/tarn/PageHandBack.h"
 #include "platform/tarn/TableFormat.h"
 
 namespace Tarn {
@@ -71,6 +72,7 @@ class TableWriter {
   TableGeometry geometry_;
   FileDescriptor fd_;
   Mapping mapping_;
+  PageHandBack pages_{mapping_};
   TableMemory memory_;
   bool batchOpen_ = false;
 };

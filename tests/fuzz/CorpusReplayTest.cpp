@@ -19,7 +19,7 @@ struct Target {
 
 const Target targets[] = {
     {"strep", Fuzz::strep},           {"proc_net", Fuzz::procNet},     {"scenario", Fuzz::scenario},
-    {"table_file", Fuzz::tableFile},  {"table_hint", Fuzz::tableHint},
+    {"table_file", Fuzz::tableFile},
 };
 
 std::vector<std::filesystem::path> inputsOf(const char* target) {

@@ -20,8 +20,6 @@ int procNet(const std::uint8_t* data, std::size_t size);
 int scenario(const std::uint8_t* data, std::size_t size);
 // A shared-memory table file of any of the four record types, read whole through its codec.
 int tableFile(const std::uint8_t* data, std::size_t size);
-// The index varbinds that a request hands each iterated table as its hint.
-int tableHint(const std::uint8_t* data, std::size_t size);
 
 // A directory of this process for the files that a target's parser reads, made at the first call
 // and removed at exit.

@@ -181,24 +181,6 @@ TEST_F(RouteBacklogPass, APassPastItsDeadlineYieldsAfterOnePrefixAndTheNextStart
   EXPECT_EQ(ipForwardMib->ipCidrRouteTables(), 3u);
 }
 
-TEST_F(RouteBacklogPass, APassWithinItsSliceTakesTheMembersAheadOfTheBookmarkAfterTheEnd) {
-  marksOf(6);
-  std::vector<Pelt::IpAddr> hashOrder;
-  for (auto it = sm->backlog().begin(); it; ++it) hashOrder.push_back(it.key().addr());
-  auto middle = sm->backlog().begin();
-  ++middle;
-  ++middle;
-  sm->bookmarkIs(middle.key());
-  auto watch = rowsAdded();
-
-  runClock();
-  std::vector<Pelt::IpAddr> expected(hashOrder.begin() + 2, hashOrder.end());
-  expected.insert(expected.end(), hashOrder.begin(), hashOrder.begin() + 2);
-  EXPECT_EQ(watch->dests, expected);
-  EXPECT_TRUE(idle());
-  EXPECT_EQ(sm->bookmark(), middle.key());  // a pass that finishes leaves the bookmark alone
-}
-
 // Marks first, then the FEC walks, then the scan; the scan waits for the FEC-to-routes list.
 TEST_F(RouteBacklogPass, MarksComeBeforeFecWalksWhichComeBeforeTheScan) {
   fecIs(1, {"10.0.0.1@"});
