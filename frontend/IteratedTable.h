@@ -94,11 +94,15 @@ bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, cons
 // Parses index sub-identifiers into `into`, whose values from an earlier parse it frees first.
 bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into);
 
-// The direct handler's own index varbinds, of its table's index types: the request's index is
-// parsed into one, rows' keys are written into the other (which changes their types).
-struct IndexScratch {
+// What the direct handler of a registration keeps: index varbinds of its table's index types (the
+// request's index is parsed into one, rows' keys are written into the other, which changes their
+// types), and the row of the last GETNEXT it answered, where the next request of a walk starts
+// without a lookup: a table iterator, freed by `freeLastRow`.
+struct DirectAnswerState {
   netsnmp_variable_list* parsed;
   netsnmp_variable_list* written;
+  void* lastRow = nullptr;
+  void (*freeLastRow)(void*) = nullptr;
 };
 
 // The parts of the handler that do not depend on the row type.
@@ -247,7 +251,7 @@ class IteratedTable {
       const auto* container = static_cast<const typename T::Container*>(reginfo->my_reg_void);
       if (container && requests && !requests->next && iteratorHintsEnabled())
         if (const std::optional<int> result = answerAlone(T::collection(*container), *reginfo, reqinfo->mode,
-                                                           *requests, *static_cast<IndexScratch*>(handler->myvoid)))
+                                                           *requests, *static_cast<DirectAnswerState*>(handler->myvoid)))
           return *result;
     }
     return netsnmp_call_next_handler(handler, reginfo, reqinfo, requests);
@@ -301,7 +305,7 @@ class IteratedTable {
   // column not served, an index that does not write back exactly, a GETNEXT past the column's last
   // row.
   static std::optional<int> answerAlone(const Collection& table, const netsnmp_handler_registration& reg, int mode,
-                                        netsnmp_request_info& request, const IndexScratch& scratch) {
+                                        netsnmp_request_info& request, DirectAnswerState& scratch) {
     const bool get = mode == MODE_GET;
     netsnmp_variable_list& var = *request.requestvb;
     const std::size_t columnLength = reg.rootoid_len + 2;
@@ -322,7 +326,8 @@ class IteratedTable {
       if (!key || !rowName(*key, var, columnLength, scratch.written, name, length) ||
           snmp_oid_compare(name, length, var.name, var.name_length) != 0)
         return std::nullopt;
-      row = table.startAt(*key);
+      const auto* lastRow = static_cast<const Iterator*>(scratch.lastRow);
+      row = !get && lastRow && !lastRow->atEnd() && lastRow->key() == *key ? *lastRow : table.startAt(*key);
       if (get) last = lastKeyOfIndex(*key);
     }
     // The helpers' sorted search from there: the first row of the index (GET) or above it (GETNEXT).
@@ -334,7 +339,10 @@ class IteratedTable {
         continue;
       }
       if (order > 0 && get) break;  // no row has the index
-      if (!get) snmp_set_var_objid(&var, name, length);
+      if (!get) {
+        snmp_set_var_objid(&var, name, length);
+        rememberRow(scratch, row);
+      }
       unsigned char buffer[T::bufferSize];
       return TableHandler::answer(T::name, &request, &request, T::column(static_cast<int>(column), *row, buffer),
                                   buffer);
@@ -342,6 +350,15 @@ class IteratedTable {
     if (!get) return std::nullopt;
     netsnmp_request_set_error(&request, SNMP_NOSUCHINSTANCE);
     return SNMP_ERR_NOERROR;
+  }
+
+  static void rememberRow(DirectAnswerState& scratch, const Iterator& row) {
+    if (auto* lastRow = static_cast<Iterator*>(scratch.lastRow)) {
+      *lastRow = row;
+      return;
+    }
+    scratch.lastRow = new Iterator(row);
+    scratch.freeLastRow = [](void* lastRow) { delete static_cast<Iterator*>(lastRow); };
   }
 
   // The instance of `key`'s row in the column that `var` names (its first `columnLength`

@@ -47,16 +47,17 @@ netsnmp_iterator_info* newIteratorInfo(const IteratedTableRegistration& table, v
   return iinfo;
 }
 
-IndexScratch* newIndexScratch(netsnmp_variable_list* indexes) {
-  return new IndexScratch{snmp_clone_varbind(indexes), snmp_clone_varbind(indexes)};
+DirectAnswerState* newDirectAnswerState(netsnmp_variable_list* indexes) {
+  return new DirectAnswerState{snmp_clone_varbind(indexes), snmp_clone_varbind(indexes)};
 }
 
-void* cloneIndexScratch(void* scratch) { return newIndexScratch(static_cast<IndexScratch*>(scratch)->parsed); }
+void* cloneDirectAnswerState(void* scratch) { return newDirectAnswerState(static_cast<DirectAnswerState*>(scratch)->parsed); }
 
-void freeIndexScratch(void* scratch) {
-  const auto* lists = static_cast<IndexScratch*>(scratch);
+void freeDirectAnswerState(void* scratch) {
+  const auto* lists = static_cast<DirectAnswerState*>(scratch);
   snmp_free_varbind(lists->parsed);
   snmp_free_varbind(lists->written);
+  if (lists->lastRow) lists->freeLastRow(lists->lastRow);
   delete lists;
 }
 
@@ -66,9 +67,9 @@ void injectDirectAnswers(netsnmp_handler_registration* reg, const IteratedTableR
                          netsnmp_variable_list* indexes) {
   netsnmp_mib_handler* handler = netsnmp_create_handler("ipsnmp_direct_answers", table.answerDirectly);
   if (!handler) return;
-  handler->myvoid = newIndexScratch(indexes);
-  handler->data_clone = cloneIndexScratch;
-  handler->data_free = freeIndexScratch;
+  handler->myvoid = newDirectAnswerState(indexes);
+  handler->data_clone = cloneDirectAnswerState;
+  handler->data_free = freeDirectAnswerState;
   if (netsnmp_inject_handler_before(reg, handler, TABLE_HANDLER_NAME) != SNMPERR_SUCCESS) netsnmp_handler_free(handler);
 }
 
