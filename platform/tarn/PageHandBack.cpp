@@ -69,7 +69,13 @@ std::size_t PageHandBack::handBack(std::size_t from, std::size_t& budget) const 
     from = page;  // the header's page stays: every read looks at it
   }
   if (from >= mapping_.size()) return 0;
-  const std::size_t length = std::min(budget, mapping_.size() - from);
+  std::size_t length = std::min(budget, mapping_.size() - from);
+  // Whole pages but at the end: madvise refuses a start that is not on a page boundary.
+  if (from + length < mapping_.size()) length -= length % page;
+  if (length == 0) {
+    budget = 0;
+    return from;
+  }
   ::madvise(mapping_.base() + from, length, MADV_DONTNEED);
   budget -= length;
   from += length;
