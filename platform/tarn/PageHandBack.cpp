@@ -43,7 +43,7 @@ class HandBackTimer : public Quor::Clock::NotifieeConst {
   }
 
  private:
-  static constexpr std::size_t handBackStep = std::size_t(16) << 20;
+  static constexpr std::size_t handBackStep = std::size_t(4) << 20;
   struct Pending {
     const PageHandBack* pages;
     std::size_t from;
