@@ -26,6 +26,7 @@
 // parsed index, data list and contexts per request. Anything else falls through to the helpers.
 //
 // A table's traits are a struct of static members: the concept IteratedTableTraits below says which.
+#include <algorithm>
 #include <climits>
 #include <concepts>
 #include <cstddef>
@@ -96,13 +97,15 @@ bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into);
 
 // What the direct handler of a registration keeps: index varbinds of its table's index types (the
 // request's index is parsed into one, rows' keys are written into the other, which changes their
-// types), and the row of the last GETNEXT it answered, where the next request of a walk starts
-// without a lookup: a table iterator, freed by `freeLastRow`.
+// types), and the instance and row of the last GETNEXT it answered, where the next request of a
+// walk starts without parsing its index or looking it up: a table iterator, freed by `freeLastRow`.
 struct DirectAnswerState {
   netsnmp_variable_list* parsed;
   netsnmp_variable_list* written;
   void* lastRow = nullptr;
   void (*freeLastRow)(void*) = nullptr;
+  oid lastName[MAX_OID_LEN] = {};
+  std::size_t lastNameLength = 0;
 };
 
 // The parts of the handler that do not depend on the row type.
@@ -320,14 +323,16 @@ class IteratedTable {
     std::size_t length = 0;
     Iterator row = table.begin();
     std::optional<Key> last;
-    if (get || var.name_length > columnLength) {
+    const auto* lastRow = static_cast<const Iterator*>(scratch.lastRow);
+    if (!get && lastRow && snmp_oid_compare(var.name, var.name_length, scratch.lastName, scratch.lastNameLength) == 0) {
+      row = *lastRow;  // the instance answered last, as a walk asks next: its index is known
+    } else if (get || var.name_length > columnLength) {
       if (!parseIndex(var.name + columnLength, var.name_length - columnLength, scratch.parsed)) return std::nullopt;
       const std::optional<Key> key = keyOfIndex(scratch.parsed, false);
       if (!key || !rowName(*key, var, columnLength, scratch.written, name, length) ||
           snmp_oid_compare(name, length, var.name, var.name_length) != 0)
         return std::nullopt;
-      const auto* lastRow = static_cast<const Iterator*>(scratch.lastRow);
-      row = !get && lastRow && !lastRow->atEnd() && lastRow->key() == *key ? *lastRow : table.startAt(*key);
+      row = !get && lastRow && lastRow->key() == *key ? *lastRow : table.startAt(*key);
       if (get) last = lastKeyOfIndex(*key);
     }
     // The helpers' sorted search from there: the first row of the index (GET) or above it (GETNEXT).
@@ -341,7 +346,7 @@ class IteratedTable {
       if (order > 0 && get) break;  // no row has the index
       if (!get) {
         snmp_set_var_objid(&var, name, length);
-        rememberRow(scratch, row);
+        rememberRow(scratch, row, name, length);
       }
       unsigned char buffer[T::bufferSize];
       return TableHandler::answer(T::name, &request, &request, T::column(static_cast<int>(column), *row, buffer),
@@ -352,7 +357,9 @@ class IteratedTable {
     return SNMP_ERR_NOERROR;
   }
 
-  static void rememberRow(DirectAnswerState& scratch, const Iterator& row) {
+  static void rememberRow(DirectAnswerState& scratch, const Iterator& row, const oid* name, std::size_t length) {
+    std::copy(name, name + length, scratch.lastName);
+    scratch.lastNameLength = length;
     if (auto* lastRow = static_cast<Iterator*>(scratch.lastRow)) {
       *lastRow = row;
       return;
