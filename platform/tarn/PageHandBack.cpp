@@ -53,12 +53,15 @@ class HandBackTimer : public Quor::Clock::NotifieeConst {
 
 }  // namespace
 
+// Whether pending or not: a hand-back under way has an entry after its first step has cleared
+// pending_, and the timer must not step through a mapping that is gone.
 PageHandBack::~PageHandBack() {
-  if (pending_) HandBackTimer::instance().forget(this);
+  if (everScheduled_) HandBackTimer::instance().forget(this);
 }
 
 void PageHandBack::schedule() const {
   pending_ = true;
+  everScheduled_ = true;
   HandBackTimer::instance().pendingIs(this);
 }
 

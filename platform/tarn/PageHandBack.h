@@ -32,6 +32,7 @@ class PageHandBack {
   void schedule() const;
   const Mapping& mapping_;
   mutable bool pending_ = false;
+  mutable bool everScheduled_ = false;
 };
 
 }  // namespace Tarn
