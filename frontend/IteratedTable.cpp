@@ -1,7 +1,5 @@
 #include "frontend/IteratedTable.h"
 
-#include <algorithm>
-
 #include "frontend/ElementaryConversions.h"
 #include "frontend/UnitRegistration.h"
 
@@ -139,18 +137,6 @@ void invalidColumn(const char* table, netsnmp_request_info* request, int colnum)
 }
 
 }  // namespace TableHandler
-
-bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, const oid* index, std::size_t length) {
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < components; ++i, written = written->next_variable) {
-    // build_oid_segment is what the helper's comparison of a row's index goes through.
-    if (!written || build_oid_segment(written) != SNMPERR_SUCCESS) return false;
-    const oid* const from = written->name;
-    if (written->name_length > length - at || !std::equal(from, from + written->name_length, index + at)) return false;
-    at += written->name_length;
-  }
-  return at == length;
-}
 
 bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into) {
   // parse_oid_indexes allocates a string's value without freeing the one it replaces.

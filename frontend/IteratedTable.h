@@ -88,10 +88,6 @@ class IndexWriter {
   netsnmp_variable_list* next_;
 };
 
-// Whether the first `components` varbinds from `written` on, as index sub-identifiers, are exactly
-// `index` of `length` sub-identifiers.
-bool writtenIndexIs(netsnmp_variable_list* written, std::size_t components, const oid* index, std::size_t length);
-
 // Parses index sub-identifiers into `into`, whose values from an earlier parse it frees first.
 bool parseIndex(oid* index, std::size_t length, netsnmp_variable_list* into);
 
@@ -299,9 +295,10 @@ class IteratedTable {
   // helper's own list of index varbinds takes it: the start row's index overwrites it afterwards.
   static bool writesRequestIndex(const Key& key, const netsnmp_table_request_info& request,
                                  netsnmp_variable_list* scratch) {
-    IndexWriter writer(nullptr, scratch);
-    T::writeIndex(key, writer);
-    return writtenIndexIs(scratch, componentCount(), request.index_oid, request.index_oid_len);
+    oid index[MAX_OID_LEN];
+    std::size_t length = 0;
+    return instanceOf(key, nullptr, 0, scratch, index, length) &&
+           snmp_oid_compare(index, length, request.index_oid, request.index_oid_len) == 0;
   }
 
   // The direct answer to `request`, or nothing when it must go down to the helpers: another mode, a
@@ -329,7 +326,7 @@ class IteratedTable {
     } else if (get || var.name_length > columnLength) {
       if (!parseIndex(var.name + columnLength, var.name_length - columnLength, scratch.parsed)) return std::nullopt;
       const std::optional<Key> key = keyOfIndex(scratch.parsed, false);
-      if (!key || !rowName(*key, var, columnLength, scratch.written, name, length) ||
+      if (!key || !instanceOf(*key, var.name, columnLength, scratch.written, name, length) ||
           snmp_oid_compare(name, length, var.name, var.name_length) != 0)
         return std::nullopt;
       row = !get && lastRow && lastRow->key() == *key ? *lastRow : table.startAt(*key);
@@ -337,7 +334,7 @@ class IteratedTable {
     }
     // The helpers' sorted search from there: the first row of the index (GET) or above it (GETNEXT).
     for (; !row.atEnd() && !(last && *last < row.key()); row.advance()) {
-      if (!rowName(row.key(), var, columnLength, scratch.written, name, length)) return std::nullopt;
+      if (!instanceOf(row.key(), var.name, columnLength, scratch.written, name, length)) return std::nullopt;
       const int order = snmp_oid_compare(name, length, var.name, var.name_length);
       if (order < 0 || (order == 0 && !get)) {
         QTRACE(tableTracer(), 2, T::name << "_answer_directly - passing row " << row.key());
@@ -368,13 +365,13 @@ class IteratedTable {
     scratch.freeLastRow = [](void* lastRow) { delete static_cast<Iterator*>(lastRow); };
   }
 
-  // The instance of `key`'s row in the column that `var` names (its first `columnLength`
-  // sub-identifiers), into `name`; false when it does not fit.
-  static bool rowName(const Key& key, netsnmp_variable_list& var, std::size_t columnLength,
-                      netsnmp_variable_list* written, oid (&name)[MAX_OID_LEN], std::size_t& length) {
+  // `prefix` (none when null) and the index sub-identifiers of `key`'s row, into `name`; false when
+  // they do not fit. The rows' index varbinds are written into `written`.
+  static bool instanceOf(const Key& key, oid* prefix, std::size_t prefixLength, netsnmp_variable_list* written,
+                         oid (&name)[MAX_OID_LEN], std::size_t& length) {
     IndexWriter writer(nullptr, written);
     T::writeIndex(key, writer);
-    return build_oid_noalloc(name, MAX_OID_LEN, &length, var.name, columnLength, written) == SNMPERR_SUCCESS;
+    return build_oid_noalloc(name, MAX_OID_LEN, &length, prefix, prefixLength, written) == SNMPERR_SUCCESS;
   }
 
   // Moves `loop` from the first row to where the hint lets the search start, if anywhere.
