@@ -10,9 +10,12 @@
 //       answer that has the value, or to the sending of the request that found it gone); exits 1
 //       when LIMIT-S seconds pass first.
 //
-//   ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST time get|getnext OID COUNT
-//       sends COUNT GETs (or GETNEXTs) of OID one after the other and prints "median_ms=X worst_ms=X"
-//       of their response times; exits 1 when one gets no answer.
+//   ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST compare get|getnext OID-A OID-B COUNT [PID]
+//       sends COUNT GETs (or GETNEXTs) of each OID one after the other, in alternating blocks of ten so
+//       that both meet the same moments of the machine, and prints "a_ms=X b_ms=X" (the median
+//       response times) and, with the agent's PID, "a_cpu_us=X b_cpu_us=X": the agent's CPU time per
+//       request from /proc/PID/schedstat, read at the ends of the blocks; exits 1 when one gets no
+//       answer.
 //
 //   ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET
 //       opens the route table under TABLE-ROOT once, as a routing agent does, and puts COUNT + 1 new
@@ -164,21 +167,44 @@ int watch(Session& session, const Oid& target, const Oid* walkRoot, double inter
   return 0;
 }
 
-int timeRequests(Session& session, int command, const Oid& target, int count) {
-  std::vector<double> times;
-  for (int i = 0; i < count; ++i) {
-    netsnmp_pdu* pdu = snmp_pdu_create(command);
-    snmp_add_null_var(pdu, target.ids, target.length);
-    const Clock::time_point start = Clock::now();
-    netsnmp_pdu* response = session.ask(pdu);
-    times.push_back(msSince(start));
-    if (!response) {
-      std::printf("median_ms=timeout worst_ms=timeout\n");
-      return 1;
-    }
-    snmp_free_pdu(response);
+// The CPU time in microseconds that process `pid` has had, 0 without a pid.
+double cpuMicros(const char* pid) {
+  if (!pid) return 0;
+  const std::string path = std::string("/proc/") + pid + "/schedstat";
+  FILE* f = std::fopen(path.c_str(), "r");
+  double ns = 0;
+  if (f) {
+    if (std::fscanf(f, "%lf", &ns) != 1) ns = 0;
+    std::fclose(f);
   }
-  std::printf("median_ms=%.3f worst_ms=%.3f\n", quantile(times, 0.5), quantile(times, 1.0));
+  return ns / 1e3;
+}
+
+int compareRequests(Session& session, int command, const Oid (&targets)[2], int count, const char* pid) {
+  constexpr int block = 10;
+  std::vector<double> times[2];
+  double cpu[2] = {0, 0};
+  for (int done = 0; done < count; done += block) {
+    for (int which = 0; which < 2; ++which) {
+      const double cpuBefore = cpuMicros(pid);
+      for (int n = 0; n < block && done + n < count; ++n) {
+        netsnmp_pdu* pdu = snmp_pdu_create(command);
+        snmp_add_null_var(pdu, targets[which].ids, targets[which].length);
+        const Clock::time_point start = Clock::now();
+        netsnmp_pdu* response = session.ask(pdu);
+        times[which].push_back(msSince(start));
+        if (!response) {
+          std::printf("a_ms=timeout b_ms=timeout\n");
+          return 1;
+        }
+        snmp_free_pdu(response);
+      }
+      cpu[which] += cpuMicros(pid) - cpuBefore;
+    }
+  }
+  std::printf("a_ms=%.3f b_ms=%.3f", quantile(times[0], 0.5), quantile(times[1], 0.5));
+  if (pid) std::printf(" a_cpu_us=%.1f b_cpu_us=%.1f", cpu[0] / count, cpu[1] / count);
+  std::printf("\n");
   return 0;
 }
 
@@ -274,7 +300,7 @@ int usage() {
   std::fprintf(stderr,
                "usage: ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST watch OID [WALK-OID] [INTERVAL-MS]\n"
                "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST appear|gone OID LIMIT-S [COMMAND...]\n"
-               "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST time get|getnext OID COUNT\n"
+               "       ipsnmp-bench-probe [-c COMMUNITY | -n CONTEXT] [-t SECONDS] HOST compare get|getnext OID-A OID-B COUNT [PID]\n"
                "       ipsnmp-bench-probe [-c COMMUNITY] [-t SECONDS] HOST held-writer TABLE-ROOT COUNT OCTET\n");
   return 2;
 }
@@ -320,11 +346,12 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
-  if (mode == "time") {
+  if (mode == "compare") {
     const std::string command = argv[i + 2];
-    if (argc - i != 5 || (command != "get" && command != "getnext")) return usage();
-    return timeRequests(session, command == "get" ? SNMP_MSG_GET : SNMP_MSG_GETNEXT, parseOid(argv[i + 3]),
-                        std::atoi(argv[i + 4]));
+    if (argc - i < 6 || argc - i > 7 || (command != "get" && command != "getnext")) return usage();
+    const Oid targets[2] = {parseOid(argv[i + 3]), parseOid(argv[i + 4])};
+    return compareRequests(session, command == "get" ? SNMP_MSG_GET : SNMP_MSG_GETNEXT, targets,
+                           std::atoi(argv[i + 5]), argc - i == 7 ? argv[i + 6] : nullptr);
   }
   const Oid target = parseOid(argv[i + 2]);
   if (mode == "watch") {
