@@ -1,9 +1,14 @@
 #include "platform/snmp/AgentLoop.h"
 
+#include <poll.h>
 #include <sys/eventfd.h>
 
+#include <net-snmp/library/large_fd_set.h>
+
+#include <algorithm>
 #include <cmath>
 #include <exception>
+#include <vector>
 
 namespace Snmp {
 
@@ -95,8 +100,31 @@ void AgentLoop::onAfterRequests(unsigned int, void* self) {
   loop->runDue();
 }
 
+bool AgentLoop::requestsWaiting() {
+  netsnmp_large_fd_set sessions;
+  netsnmp_large_fd_set_init(&sessions, FD_SETSIZE);
+  int numfds = 0, block = 0;
+  struct timeval timeout = {0, 0};
+  snmp_sess_select_info2_flags(nullptr, &numfds, &sessions, &timeout, &block, NETSNMP_SELECT_NOALARMS);
+  std::vector<pollfd> polled;
+  for (int fd = 0; fd < numfds; ++fd)
+    if (NETSNMP_LARGE_FD_ISSET(fd, &sessions)) polled.push_back({fd, POLLIN, 0});
+  netsnmp_large_fd_set_cleanup(&sessions);
+  if (::poll(polled.data(), polled.size(), 0) <= 0) return false;
+  return std::any_of(polled.begin(), polled.end(), [](const pollfd& p) { return p.revents & POLLIN; });
+}
+
 // Runs what is due; the manager then reports its next deadline through wakeupIs.
 void AgentLoop::runDue() noexcept {
+  const double now = Quor::now();
+  if (requestsWaiting()) {
+    if (std::isinf(putOffSince_)) putOffSince_ = now;
+    if (now - putOffSince_ < Quor::Clock::turnBudget) {
+      wakeSoon();
+      return;
+    }
+  }
+  putOffSince_ = Quor::never;
   try {
     manager_->runDue();
   } catch (const std::exception& e) {

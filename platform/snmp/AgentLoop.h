@@ -9,6 +9,11 @@
 // alarm reads the noted descriptors and then runs the due timers. So a request waits for at most
 // one pass of the framework's work, never for two back to back.
 //
+// snmp_read2() takes one request a session a pass, so requests that queue up during a slice would
+// each wait for one more slice. While requests wait on the agent's sessions, the framework's due
+// work is put off to the next pass, for a turn's budget at most (Clock::turnBudget) so that a
+// stream of requests slows the work down but never stops it.
+//
 // A future deadline of the framework becomes one agent alarm (microsecond resolution). A deadline
 // that is already due, the "next opportunity" of a reactor that cuts long work into slices, is not
 // run from the alarm that asks for it: run_alarms() keeps firing alarms as long as one is due, so a
@@ -42,6 +47,7 @@ class AgentLoop final : public Quor::ActivityManager::Host {
   static void onFd(int fd, void* self);
   static void onAfterRequests(unsigned int clientreg, void* self);
   void runDue() noexcept;
+  static bool requestsWaiting();
   void wakeSoon();
   void runAfterRequests();
 
@@ -53,6 +59,7 @@ class AgentLoop final : public Quor::ActivityManager::Host {
   Alarm afterRequests_;
   std::set<int> readyFds_;
   double alarmDeadline_ = Quor::never;
+  double putOffSince_ = Quor::never;  // when the due work was first put off for waiting requests
   std::map<int, ReadFd> watched_;
 };
 

@@ -1,10 +1,11 @@
 // The framework's timers and descriptors run inside snmpd's select loop: a slice of work asked for
-// "at the next opportunity" runs once per pass of the loop, after the pass's requests, and
-// deadlines are kept to the microsecond, neither early nor a tick late.
+// "at the next opportunity" runs once per pass of the loop, after the pass's requests and behind
+// queued ones, and deadlines are kept to the microsecond, neither early nor a tick late.
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "platform/quor/Clock.h"
@@ -15,8 +16,7 @@
 
 namespace {
 
-// A pipe whose every byte is one event: a request on the agent's socket, or what a descriptor of the
-// framework's waits for.
+// A pipe whose every byte is one event that a descriptor of the framework's waits for.
 class Pipe {
  public:
   Pipe() { EXPECT_EQ(::pipe(fds_), 0); }
@@ -37,11 +37,44 @@ class Pipe {
   int fds_[2];
 };
 
+// The agent's socket as snmpd has it: a session on a loopback UDP port. snmp_read2 takes one datagram
+// a pass (counted here), which the library then drops as no SNMP message.
+class RequestSocket {
+ public:
+  RequestSocket() {
+    taken = 0;
+    netsnmp_transport* transport = netsnmp_transport_open_server("AgentLoopTest", "udp:127.0.0.1:0");
+    transport->f_recv = [](netsnmp_transport* t, void* buffer, int size, void** opaque, int* opaqueLength) {
+      ++taken;
+      *opaque = nullptr;
+      *opaqueLength = 0;
+      return static_cast<int>(::recv(t->sock, buffer, static_cast<size_t>(size), 0));
+    };
+    sockaddr_in address{};
+    socklen_t length = sizeof address;
+    ::getsockname(transport->sock, reinterpret_cast<sockaddr*>(&address), &length);
+    netsnmp_session setup;
+    snmp_sess_init(&setup);
+    session_ = snmp_add(&setup, transport, nullptr, nullptr);
+    EXPECT_EQ(::connect(sender_, reinterpret_cast<sockaddr*>(&address), length), 0);
+  }
+  ~RequestSocket() {
+    snmp_close(session_);
+    ::close(sender_);
+  }
+  void put() { EXPECT_EQ(::send(sender_, "x", 1, 0), 1); }
+  static inline int taken = 0;
+
+ private:
+  netsnmp_session* session_;
+  int sender_ = ::socket(AF_INET, SOCK_DGRAM, 0);
+};
+
 // One pass of snmpd's receive() loop (agent/snmpd.c, net-snmp 5.9): select on the agent's
-// descriptors until its next alarm, dispatch the ready external descriptors, read the requests on
-// the agent's socket (`requests`, as snmp_read2 does), then run_alarms(). `maxWait` stands in for
-// the sockets that would end an idle select.
-void agentLoopPass(double maxWait, Pipe* requests = nullptr) {
+// descriptors until its next alarm, dispatch the ready external descriptors, read a request of each
+// session (snmp_read2), then run_alarms(). `maxWait` stands in for the sockets that would end an
+// idle select.
+void agentLoopPass(double maxWait) {
   netsnmp_large_fd_set readfds, writefds, exceptfds;
   netsnmp_large_fd_set_init(&readfds, FD_SETSIZE);
   netsnmp_large_fd_set_init(&writefds, FD_SETSIZE);
@@ -54,14 +87,10 @@ void agentLoopPass(double maxWait, Pipe* requests = nullptr) {
   snmp_select_info2(&numfds, &readfds, &timeout, &block);
   if (block || timercmp(&longest, &timeout, <)) timeout = longest;
   netsnmp_external_event_info2(&numfds, &readfds, &writefds, &exceptfds);
-  if (requests) {
-    NETSNMP_LARGE_FD_SET(requests->readEnd(), &readfds);
-    numfds = std::max(numfds, requests->readEnd() + 1);
-  }
   int count = netsnmp_large_fd_set_select(numfds, &readfds, &writefds, &exceptfds, &timeout);
   if (count > 0) {
     netsnmp_dispatch_external_events2(&count, &readfds, &writefds, &exceptfds);
-    if (requests && NETSNMP_LARGE_FD_ISSET(requests->readEnd(), &readfds)) requests->take();
+    snmp_read2(&readfds);
   }
   run_alarms();
   netsnmp_large_fd_set_cleanup(&readfds);
@@ -76,14 +105,13 @@ class Slicer : public Quor::Clock::NotifieeConst {
   void onTime() override {
     ++fired;
     firedAt = Quor::now();
-    if (requests) requestsServed = requests->taken;
+    requestsServed = RequestSocket::taken;
     if (fired < limit) timeMinIs(rearmAt);
   }
   int fired = 0;
   int limit = 1;
   double rearmAt = 0.0;
   double firedAt = 0.0;
-  const Pipe* requests = nullptr;
   int requestsServed = 0;  // when it last fired
 };
 
@@ -101,23 +129,22 @@ class AgentLoopTest : public ::testing::Test {
 // descriptor watched before the loop took the framework over is watched from then, until removed.
 TEST_F(AgentLoopTest, SlicesAndDescriptorsRunOncePerPassAfterThePassRequests) {
   loop.reset();
-  Pipe requests;  // as the agent's socket
-  Pipe events;    // a descriptor of the framework's
+  RequestSocket requests;
+  Pipe events;  // a descriptor of the framework's
   int requestsBeforeEvent = 0;
   Quor::activityManager()->fdReadIs(events.readEnd(), [&] {
     events.take();
-    requestsBeforeEvent = requests.taken;
+    requestsBeforeEvent = RequestSocket::taken;
   });
   loop = std::make_unique<Snmp::AgentLoop>(Quor::activityManager());
   auto slicer = newSlicer();
   slicer->limit = 1000;
   slicer->timeMinIs(0.0);
-  slicer->requests = &requests;
   for (int pass = 1; pass <= 5; ++pass) {
     requests.put();
     events.put();
-    agentLoopPass(1.0, &requests);
-    EXPECT_EQ(requests.taken, pass);
+    agentLoopPass(1.0);
+    EXPECT_EQ(RequestSocket::taken, pass);
     EXPECT_EQ(slicer->fired, pass);
     EXPECT_EQ(slicer->requestsServed, pass);
     EXPECT_EQ(events.taken, pass);
@@ -127,6 +154,27 @@ TEST_F(AgentLoopTest, SlicesAndDescriptorsRunOncePerPassAfterThePassRequests) {
   events.put();
   agentLoopPass(0.05);
   EXPECT_EQ(events.taken, 5);
+}
+
+// Requests queued on the agent's session are each read in a pass of their own: the work due meanwhile
+// waits until they are all read, but under a stream of requests for a turn's budget at most.
+TEST_F(AgentLoopTest, WorkWaitsForQueuedRequestsForATurnAtMost) {
+  RequestSocket requests;
+  auto slicer = newSlicer();
+  slicer->limit = 1000;
+  slicer->timeMinIs(0.0);
+  for (int i = 0; i < 3; ++i) requests.put();
+  while (slicer->fired == 0) agentLoopPass(1.0);
+  EXPECT_EQ(RequestSocket::taken, 3);
+
+  const double start = Quor::now();
+  while (slicer->fired == 1 && Quor::now() - start < 1.0) {
+    requests.put();
+    requests.put();
+    agentLoopPass(1.0);
+  }
+  EXPECT_EQ(slicer->fired, 2);
+  EXPECT_GE(Quor::now() - start, Quor::Clock::turnBudget);
 }
 
 TEST_F(AgentLoopTest, ADeadlineFiresOnTimeAndNotBeforeAndAnEarlierOneReplacesIt) {
