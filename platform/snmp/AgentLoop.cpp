@@ -116,15 +116,12 @@ bool AgentLoop::requestsWaiting() {
 
 // Runs what is due; the manager then reports its next deadline through wakeupIs.
 void AgentLoop::runDue() noexcept {
-  const double now = Quor::now();
-  if (requestsWaiting()) {
-    if (std::isinf(putOffSince_)) putOffSince_ = now;
-    if (now - putOffSince_ < Quor::Clock::turnBudget) {
-      wakeSoon();
-      return;
-    }
+  if (putOff_ < maxPutOff && requestsWaiting()) {
+    ++putOff_;
+    wakeSoon();
+    return;
   }
-  putOffSince_ = Quor::never;
+  putOff_ = 0;
   try {
     manager_->runDue();
   } catch (const std::exception& e) {

@@ -11,8 +11,9 @@
 //
 // snmp_read2() takes one request a session a pass, so requests that queue up during a slice would
 // each wait for one more slice. While requests wait on the agent's sessions, the framework's due
-// work is put off to the next pass, for a turn's budget at most (Clock::turnBudget) so that a
-// stream of requests slows the work down but never stops it.
+// work is put off to the next pass, for `maxPutOff` passes in a row at most: enough to drain what
+// queued up during a slice, while a client that polls back to back delays the work by a fraction
+// of a millisecond and never stops it.
 //
 // A future deadline of the framework becomes one agent alarm (microsecond resolution). A deadline
 // that is already due, the "next opportunity" of a reactor that cuts long work into slices, is not
@@ -31,6 +32,8 @@ namespace Snmp {
 class AgentLoop final : public Quor::ActivityManager::Host {
  public:
   // Becomes the host of `manager` and takes over its descriptors and deadline.
+  static constexpr int maxPutOff = 16;
+
   explicit AgentLoop(const Quor::Ptr<Quor::ActivityManager>& manager);
   // Gives the manager back without a host and unregisters everything from the agent.
   ~AgentLoop() override;
@@ -59,7 +62,7 @@ class AgentLoop final : public Quor::ActivityManager::Host {
   Alarm afterRequests_;
   std::set<int> readyFds_;
   double alarmDeadline_ = Quor::never;
-  double putOffSince_ = Quor::never;  // when the due work was first put off for waiting requests
+  int putOff_ = 0;  // passes in a row whose due work was put off for waiting requests
   std::map<int, ReadFd> watched_;
 };
 
