@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 
-#include "AgentUnderTest.h"
+#include "AgentTest.h"
 #include "Eventually.h"
 #include "ExpectedTable.h"
 #include "TableChecks.h"
@@ -93,14 +93,13 @@ ExpectedTable inetTableOf(const std::vector<Varbind>& ipCidrWalk, const std::vec
   return table;
 }
 
-class InetRouteTableTest : public ::testing::Test {
+class InetRouteTableTest : public AgentTest {
  protected:
   void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
-    ASSERT_TRUE(agent_.ready()) << agent_.diagnostics();
-  }
-  void TearDown() override {
-    if (HasFailure()) std::cerr << agent_.diagnostics();
+    AgentTest::SetUp();
+    if (IsSkipped()) return;
+    agent = std::make_unique<AgentUnderTest>(scenario_);
+    ASSERT_TRUE(agent->ready()) << agent->diagnostics();
   }
 
   // inetCidrRouteTable in the context of `who` is ipCidrRouteTable's rows and `ipv6`, once the
@@ -108,16 +107,15 @@ class InetRouteTableTest : public ::testing::Test {
   void expectRows(const Credentials& who, const std::vector<Ipv6Row>& ipv6) {
     std::vector<Varbind> ipv4;
     ASSERT_TRUE(eventually([&] {
-      ipv4 = agent_.tools().walk(who, ipCidrRouteTable).varbinds;
-      return !ipv4.empty() && walksAs(agent_, inetTableOf(ipv4, ipv6), who);
+      ipv4 = agent->tools().walk(who, ipCidrRouteTable).varbinds;
+      return !ipv4.empty() && walksAs(*agent, inetTableOf(ipv4, ipv6), who);
     })) << "ipCidrRouteTable has " << ipv4.size() << " cells";
-    expectWalk(agent_, inetTableOf(ipv4, ipv6), who);
-    EXPECT_EQ(agent_.tools().getOne(who, inetCidrRouteNumber).value_or(Varbind{}).value,
+    expectWalk(*agent, inetTableOf(ipv4, ipv6), who);
+    EXPECT_EQ(agent->tools().getOne(who, inetCidrRouteNumber).value_or(Varbind{}).value,
               std::to_string(ipv4.size() / 16 + ipv6.size()));
   }
 
   const std::string scenario_ = TestSupport::fileText(IPSNMP_DEFAULT_SCENARIO);
-  AgentUnderTest agent_{scenario_};
 };
 
 TEST_F(InetRouteTableTest, RowsOfBothFamiliesInEveryContextAndIpv4AsInIpCidrRouteTable) {
@@ -136,7 +134,7 @@ TEST_F(InetRouteTableTest, Ipv6RoutesAddedToAndTakenFromTheScenarioShowInTheNext
   const std::size_t gone = edited.find(connected);
   ASSERT_NE(gone, std::string::npos);
   edited.erase(gone, connected.size());
-  agent_.scenarioIs(edited);
+  agent->scenarioIs(edited);
   std::vector<Ipv6Row> rows(defaultIpv6.begin(), defaultIpv6.end() - 1);  // the connected route's is last
   rows.insert(rows.end(), addedIpv6.begin(), addedIpv6.end());
   expectRows(Credentials::v2c("public"), rows);
@@ -144,7 +142,7 @@ TEST_F(InetRouteTableTest, Ipv6RoutesAddedToAndTakenFromTheScenarioShowInTheNext
   // FEC 7 loses its link-local next hop: both of its routes lose that row.
   const std::string linkLocalVia = "\"" + defaultHop + "@Ethernet1\", ";
   ASSERT_NE(edited.find(linkLocalVia), std::string::npos);
-  agent_.scenarioIs(edited.erase(edited.find(linkLocalVia), linkLocalVia.size()));
+  agent->scenarioIs(edited.erase(edited.find(linkLocalVia), linkLocalVia.size()));
   expectRows(Credentials::v2c("public"), {defaultIpv6[0], addedIpv6[0]});
 }
 

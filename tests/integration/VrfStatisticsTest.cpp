@@ -9,10 +9,9 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <thread>
 
-#include "AgentUnderTest.h"
+#include "AgentTest.h"
 #include "Eventually.h"
 #include "KernelCounters.h"
 
@@ -72,10 +71,11 @@ pid_t snmpdListeningOn(const std::string& address) {
 // Long enough for the agent's record of every row to be stale.
 void waitPastFreshness() { std::this_thread::sleep_for(std::chrono::milliseconds(600)); }
 
-class VrfStatisticsTest : public ::testing::Test {
+class VrfStatisticsTest : public AgentTest {
  protected:
   void SetUp() override {
-    if (!toolsInstalled()) GTEST_SKIP() << "snmpd and the snmp tools are not installed";
+    AgentTest::SetUp();
+    if (IsSkipped()) return;
     if (!ns.made()) GTEST_SKIP() << "cannot make a network namespace here (needs root and ip(8))";
     ASSERT_TRUE(ns.loopbackTraffic(20));
     agent = std::make_unique<AgentUnderTest>(scenario());
@@ -85,10 +85,6 @@ class VrfStatisticsTest : public ::testing::Test {
       return rate && rate->value == "500";
     })) << "the VRF's context serves its statistics row";
   }
-  void TearDown() override {
-    if (agent && HasFailure()) std::cerr << agent->diagnostics();
-  }
-
   std::string scenario() const {
     return "routing:\n  ipv4: true\n"
            "vrfs:\n  " + vrf + ":\n    routing: { ipv4: true }\n    published: true\n"
@@ -113,7 +109,6 @@ class VrfStatisticsTest : public ::testing::Test {
   const std::string vrf = "stats" + std::to_string(::getpid()) + "n" + std::to_string(++instances);
   const Credentials vrfContext = Credentials::v3(vrf);
   NetworkNamespace ns{"ns-" + vrf};
-  std::unique_ptr<AgentUnderTest> agent;
 };
 
 // InReceives (32 and 64 bits), InDelivers and OutRequests.

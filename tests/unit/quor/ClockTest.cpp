@@ -1,4 +1,5 @@
-// The clock that drives time-sliced work: a request of 0.0 fires at the next run, once.
+// The clock that drives time-sliced work: busy reactors share its runs, and the reaper frees in its
+// slices. (When a request fires, once and neither early nor late, is the agent loop's test.)
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -15,56 +16,12 @@ namespace {
 double fakeTime = 100.0;
 double fakeNow() { return fakeTime; }
 
-class Ticker : public Quor::Clock::NotifieeConst {
- public:
-  void onTime() override {
-    ++fired;
-    if (rearm) timeMinIs(0.0);
-  }
-  int fired = 0;
-  bool rearm = false;
-};
-
 class ClockTest : public ::testing::Test {
  protected:
   void SetUp() override { Quor::nowSourceIs(fakeNow); }
   void TearDown() override { Quor::nowSourceIs(nullptr); }
   const Quor::Ptr<Quor::Clock>& clock = Quor::activityManager()->clock();
 };
-
-// A request of 0.0 fires at the next run, once; one made inside onTime waits for the run after; a
-// future time waits for the clock; a request made before attaching counts once attached; a destroyed
-// reactor leaves the schedule.
-TEST_F(ClockTest, RequestsFireOnceAtTheirRunAndLeaveWithTheirReactor) {
-  auto t = Quor::makePtr<Ticker>();
-  t->timeMinIs(0.0);
-  EXPECT_EQ(clock->nextDeadline(), Quor::never);
-  t->notifierIs(clock);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  clock->runDue();
-  clock->runDue();
-  EXPECT_EQ(t->fired, 1);
-  EXPECT_EQ(t->timeMin(), Quor::never);
-
-  t->rearm = true;
-  t->timeMinIs(0.0);
-  clock->runDue();
-  EXPECT_EQ(t->fired, 2);
-  EXPECT_EQ(clock->nextDeadline(), 0.0);
-  t->rearm = false;
-  clock->runDue();
-  EXPECT_EQ(t->fired, 3);
-
-  t->timeMinIs(fakeTime + 5);
-  clock->runDue();
-  EXPECT_EQ(t->fired, 3);
-  fakeTime += 5;
-  clock->runDue();
-  EXPECT_EQ(t->fired, 4);
-  t->timeMinIs(fakeTime + 1);
-  t = nullptr;
-  EXPECT_EQ(clock->nextDeadline(), Quor::never);
-}
 
 // Takes `cost` seconds of the fake time at each firing, notes its name, and asks again.
 class Worker : public Quor::Clock::NotifieeConst {

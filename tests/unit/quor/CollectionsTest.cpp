@@ -38,31 +38,29 @@ std::vector<int> walkFrom(It it) {
 using Tree = Quor::RbTreeMap<Row, int>;
 using Hash = Quor::HashMap<Mark, int>;
 
-TEST(OrderedWalk, RemovingTheCurrentMemberContinuesAtTheMemberAboveIt) {
-  Tree t;
-  fill<Tree, Row>(t, {10, 20, 30});
-  auto it = t.startAt(20);
-  t.deleteMember(20);
-  EXPECT_EQ(it->key, 20) << "the current member stays readable after its removal";
-  ++it;
-  ASSERT_TRUE(it);
-  EXPECT_EQ(it.key(), 30);
-  auto first = t.begin();
-  for (int k : {10, 30}) t.deleteMember(k);
-  EXPECT_EQ(first.key(), 10);
-  ++first;
-  EXPECT_FALSE(first) << "with every member gone the walk ends after the current step";
-}
-
-TEST(OrderedWalk, InsertionBetweenCurrentAndSuccessorIsVisitedNext) {
+// An insertion between the current member and its successor is visited next, one behind the walk is
+// not; the removed current member stays readable and the walk goes on above it; with every member
+// gone the walk ends after its current step.
+TEST(OrderedWalk, AWalkGoesOnAcrossInsertionsAndRemovals) {
   Tree t;
   fill<Tree, Row>(t, {10, 30});
   auto it = t.begin();
   fill<Tree, Row>(t, {20, 5});
-  EXPECT_EQ(walkFrom(it), (std::vector<int>{10, 20, 30})) << "5 lies behind the walk and is not seen";
+  ++it;
+  EXPECT_EQ(it.key(), 20);
+  t.deleteMember(20);
+  EXPECT_EQ(it->key, 20);
+  EXPECT_EQ(walkFrom(it), (std::vector<int>{20, 30}));
+  auto first = t.begin();
+  for (int k : {5, 10, 30}) t.deleteMember(k);
+  EXPECT_EQ(first.key(), 5);
+  ++first;
+  EXPECT_FALSE(first);
 }
 
-TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
+// A walk that deletes what it passed and inserts ahead visits every member once; a drained map has no
+// first member, however many buckets it kept, and a refill walks from its new members.
+TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAheadAndDrainsWhole) {
   Hash h;
   for (int k = 0; k < 1000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
   std::multiset<int> seen;
@@ -73,14 +71,9 @@ TEST(HashedWalk, VisitsEveryMemberOnceWhileDeletingBehindAndInsertingAhead) {
   }
   for (int k = 0; k < 1000; ++k) EXPECT_EQ(seen.count(k), 1u) << k;
   EXPECT_EQ(seen.size() + h.members(), 1000u + 10u) << "new members are seen at most once, or stay";
-}
-
-TEST(HashedWalk, ADrainedMapIsEmptyAndARefillWalksFromItsNewMembers) {
-  Hash h;
-  for (int k = 0; k < 5000; ++k) h.memberIs(Quor::makePtr<Mark>(k));
   for (auto it = h.begin(); it; ++it) h.deleteMember(it.key());
   EXPECT_EQ(h.members(), 0u);
-  EXPECT_FALSE(h.begin()) << "an empty map has no first member, however many buckets it kept";
+  EXPECT_FALSE(h.begin());
   for (int k = 0; k < 10; ++k) h.memberIs(Quor::makePtr<Mark>(k));
   EXPECT_EQ(walkFrom(h.begin()).size(), 10u);
 }

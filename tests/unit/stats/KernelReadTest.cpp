@@ -1,7 +1,8 @@
 // Reading the kernel's counter files: the IPv4 read by position, the IPv6 read by name through the
-// perfect hash, the freshness rule, and the last record kept through failures. The files are fixtures
-// copied to the paths that PROC_NET_SNMP, PROC_NET_NETSTAT and PROC_NET_SNMP6 name for this whole
-// process. (The read inside a VRF's namespace is the integration tests', against real namespaces.)
+// perfect hash, the freshness rule, the last record kept through failures, and the counters computed
+// from the record in unsigned arithmetic. The files are fixtures copied to the paths that
+// PROC_NET_SNMP, PROC_NET_NETSTAT and PROC_NET_SNMP6 name for this whole process. (The read inside a
+// VRF's namespace is the integration tests', against real namespaces.)
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -147,6 +148,8 @@ TEST_F(KernelRead, RecordWithinHalfASecondIsNotReadAgain) {
   installIpv4("snmp-kernel-237-later", "netstat-kernel-later");
   clockTime = 1000.5;
   EXPECT_EQ(ipv4->fragReqds(), 115u + 116u) << "at exactly 0.5 seconds the record is still fresh";
+  EXPECT_EQ(ipv4->inForwDatagrams(), 201u + 104u);
+  EXPECT_EQ(ipv4->outTransmits(), 0ull + 104 + 108 + 117 - 110 - 116 - 115 - 109) << "wraps instead of clamping";
   EXPECT_EQ(ipv4->lastUpdate(), 1000.0);
   clockTime = 1000.5001;
   EXPECT_EQ(ipv4->inReceives(), 501u);
