@@ -116,13 +116,13 @@ bool AgentLoop::requestsWaiting() {
 
 // Runs what is due; the manager then reports its next deadline through wakeupIs.
 void AgentLoop::runDue() noexcept {
-  if (putOff_ < maxPutOff && requestsWaiting()) {
-    ++putOff_;
-    wakeSoon();
-    return;
-  }
-  putOff_ = 0;
   try {
+    if (putOff_ < maxPutOff && requestsWaiting()) {
+      ++putOff_;
+      wakeSoon();
+      return;
+    }
+    putOff_ = 0;
     manager_->runDue();
   } catch (const std::exception& e) {
     snmp_log(LOG_ERR, "ipsnmp: timer failed: %s\n", e.what());

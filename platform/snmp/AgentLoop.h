@@ -31,9 +31,10 @@ namespace Snmp {
 
 class AgentLoop final : public Quor::ActivityManager::Host {
  public:
-  // Becomes the host of `manager` and takes over its descriptors and deadline.
+  // Passes in a row whose due work waits for requests, at most.
   static constexpr int maxPutOff = 16;
 
+  // Becomes the host of `manager` and takes over its descriptors and deadline.
   explicit AgentLoop(const Quor::Ptr<Quor::ActivityManager>& manager);
   // Gives the manager back without a host and unregisters everything from the agent.
   ~AgentLoop() override;
