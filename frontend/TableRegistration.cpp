@@ -54,11 +54,11 @@ DirectAnswerState* newDirectAnswerState(netsnmp_variable_list* indexes) {
 void* cloneDirectAnswerState(void* scratch) { return newDirectAnswerState(static_cast<DirectAnswerState*>(scratch)->parsed); }
 
 void freeDirectAnswerState(void* scratch) {
-  const auto* lists = static_cast<DirectAnswerState*>(scratch);
-  snmp_free_varbind(lists->parsed);
-  snmp_free_varbind(lists->written);
-  if (lists->lastRow) lists->freeLastRow(lists->lastRow);
-  delete lists;
+  const auto* state = static_cast<DirectAnswerState*>(scratch);
+  snmp_free_varbind(state->parsed);
+  snmp_free_varbind(state->written);
+  if (state->lastRow) state->freeLastRow(state->lastRow);
+  delete state;
 }
 
 // Places the direct handler of `table` right above the table helper, below the serialize and
